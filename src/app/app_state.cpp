@@ -1,0 +1,220 @@
+#include "app/app_state.h"
+
+#include "archive/archive_store.h"
+#include "archive/sync_engine.h"
+#include "backend/app_config.h"
+#include "backend/backend_error.h"
+
+#include <QJSEngine>
+#include <QSettings>
+
+namespace {
+
+bool isUnauthorized(const std::exception_ptr& error) {
+    try {
+        std::rethrow_exception(error);
+    } catch (const BackendError& backend) {
+        return backend.kind() == BackendError::Kind::Unauthorized;
+    } catch (...) {
+        return false;
+    }
+}
+
+QString describe(const std::exception_ptr& error) {
+    try {
+        std::rethrow_exception(error);
+    } catch (const UserFacingError& known) {
+        return known.description();
+    } catch (const std::exception& other) {
+        return QString::fromUtf8(other.what());
+    } catch (...) {
+        return QStringLiteral("Something went wrong.");
+    }
+}
+
+} // namespace
+
+AppState::AppState(QSettings& settings, QNetworkAccessManager& network, QObject* parent)
+    : QObject(parent), m_settings(settings), m_client(network, AppConfig::backendBaseURL(settings)) {}
+
+AppState::~AppState() {
+    if (s_qmlInstance == this)
+        s_qmlInstance = nullptr;
+}
+
+void AppState::exposeToQml(AppState* instance) {
+    s_qmlInstance = instance;
+}
+
+AppState* AppState::create(QQmlEngine*, QJSEngine* jsEngine) {
+    Q_ASSERT(s_qmlInstance);
+    QJSEngine::setObjectOwnership(s_qmlInstance, QJSEngine::CppOwnership);
+    Q_UNUSED(jsEngine);
+    return s_qmlInstance;
+}
+
+void AppState::startTask(QCoro::Task<> task) {
+    // The returned task is dropped on purpose: a QCoro task runs to its end on its own.
+    [](AppState* self, QCoro::Task<> running) -> QCoro::Task<> {
+        ++self->m_runningTasks;
+        co_await running;
+        if (--self->m_runningTasks == 0)
+            Q_EMIT self->tasksFinished();
+    }(this, std::move(task));
+}
+
+void AppState::bootstrap(ArchiveStore* context) {
+    m_context = context;
+    startTask(loadStaticVersion());
+
+    const QVariant token = m_settings.value(QLatin1String(authTokenKey));
+    if (token.isValid() && !token.toString().isEmpty()) {
+        m_client.setAuthToken(token.toString());
+        setPhase(Phase::SignedIn);
+        startTask([](AppState* self) -> QCoro::Task<> {
+            co_await self->refreshAccountsFromRiot();
+            co_await self->sync();
+        }(this));
+    } else {
+        setPhase(Phase::SignedOut);
+    }
+}
+
+QCoro::Task<> AppState::registerAccount(QString email, QString password, std::optional<QString> name) {
+    BackendClient* client = &m_client;
+    co_await authenticate([client, email, password, name] { return client->registerAccount(email, password, name); });
+}
+
+QCoro::Task<> AppState::login(QString email, QString password) {
+    BackendClient* client = &m_client;
+    co_await authenticate([client, email, password] { return client->login(email, password); });
+}
+
+QCoro::Task<> AppState::loginWithLeague() {
+    // Signing in with the running League client's identity arrives with the client bridge.
+    co_return;
+}
+
+QCoro::Task<> AppState::authenticate(AuthCall call) {
+    setErrorMessage(std::nullopt);
+    std::optional<AuthResponse> response;
+    try {
+        response = co_await call();
+    } catch (...) {
+        handle(std::current_exception());
+        co_return;
+    }
+    m_client.setAuthToken(response->token);
+    m_settings.setValue(QLatin1String(authTokenKey), response->token);
+    m_user = response->user;
+    Q_EMIT userChanged();
+    setPhase(Phase::SignedIn);
+
+    co_await refreshAccountsFromRiot();
+    co_await sync();
+}
+
+QCoro::Task<> AppState::refreshAccountsFromRiot() {
+    bool fallBack = false;
+    try {
+        setRiotAccounts((co_await m_client.refreshRiotAccounts()).riotAccounts);
+    } catch (...) {
+        const std::exception_ptr error = std::current_exception();
+        if (isUnauthorized(error)) {
+            handle(error);
+            co_return;
+        }
+        // The refresh from Riot is a nicety: the stored list is still worth showing.
+        fallBack = true;
+    }
+    if (fallBack)
+        co_await refreshAccounts();
+}
+
+QCoro::Task<> AppState::refreshAccounts() {
+    try {
+        setRiotAccounts((co_await m_client.riotAccounts()).riotAccounts);
+    } catch (...) {
+        handle(std::current_exception());
+    }
+}
+
+QCoro::Task<> AppState::sync() {
+    if (!m_context)
+        co_return;
+    setSyncing(true);
+    co_await importFromClient();
+
+    bool pulled = false;
+    try {
+        SyncEngine engine(*m_context, m_client, m_settings);
+        const int count = co_await engine.pull();
+        m_lastSyncedMatches = count;
+        Q_EMIT lastSyncedMatchesChanged();
+        pulled = true;
+    } catch (...) {
+        handle(std::current_exception());
+    }
+    if (pulled)
+        co_await loadDuos();
+    setSyncing(false);
+}
+
+void AppState::requestSync() {
+    startTask(sync());
+}
+
+QCoro::Task<> AppState::importFromClient() {
+    // Reading games from the League client arrives with the client bridge; a sync without it
+    // simply pulls the cloud archive.
+    co_return;
+}
+
+QCoro::Task<> AppState::loadDuos() {
+    // The frequent-duo digest arrives with the friends screen.
+    co_return;
+}
+
+QCoro::Task<> AppState::loadStaticVersion() {
+    // The data version and champion names arrive with the static game data.
+    co_return;
+}
+
+void AppState::handle(std::exception_ptr error) {
+    if (isUnauthorized(error)) {
+        m_client.setAuthToken(std::nullopt);
+        m_settings.remove(QLatin1String(authTokenKey));
+        setPhase(Phase::SignedOut);
+    }
+    setErrorMessage(describe(error));
+}
+
+void AppState::setPhase(Phase phase) {
+    if (m_phase == phase)
+        return;
+    m_phase = phase;
+    Q_EMIT phaseChanged();
+}
+
+void AppState::setErrorMessage(std::optional<QString> message) {
+    if (m_errorMessage == message)
+        return;
+    m_errorMessage = std::move(message);
+    Q_EMIT errorMessageChanged();
+}
+
+void AppState::setSyncing(bool syncing) {
+    if (m_isSyncing == syncing)
+        return;
+    m_isSyncing = syncing;
+    Q_EMIT isSyncingChanged();
+}
+
+void AppState::setRiotAccounts(QList<RiotAccountDTO> accounts) {
+    m_riotAccounts = std::move(accounts);
+    Q_EMIT riotAccountsChanged();
+}
+
+QVariant AppState::lastSyncedMatchesValue() const {
+    return m_lastSyncedMatches ? QVariant(*m_lastSyncedMatches) : QVariant();
+}

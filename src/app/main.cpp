@@ -1,0 +1,57 @@
+#include "app/app_state.h"
+#include "archive/archive_store.h"
+#include "archive/store_error.h"
+
+#include <QGuiApplication>
+#include <QNetworkAccessManager>
+#include <QQmlApplicationEngine>
+#include <QQuickStyle>
+#include <QQuickWindow>
+#include <QSettings>
+#include <QtQml/QQmlExtensionPlugin>
+#include <cstdio>
+#include <memory>
+
+Q_IMPORT_QML_PLUGIN(QuillFern_AppPlugin)
+
+int main(int argc, char* argv[]) {
+    QGuiApplication app(argc, argv);
+    QGuiApplication::setOrganizationName(QStringLiteral("QuillFern"));
+    QGuiApplication::setApplicationName(QStringLiteral("QuillFern"));
+    QGuiApplication::setApplicationDisplayName(QStringLiteral("Quill Fern"));
+    QQuickStyle::setStyle(QStringLiteral("Basic"));
+
+    std::unique_ptr<ArchiveStore> store;
+    try {
+        store = std::make_unique<ArchiveStore>(ArchiveStore::defaultPath());
+    } catch (const StoreError& error) {
+        std::fprintf(stderr, "Failed to create the local store: %s\n", error.description().toLocal8Bit().constData());
+        return 1;
+    }
+
+    QSettings settings;
+    auto network = std::make_unique<QNetworkAccessManager>();
+    AppState state(settings, *network);
+    AppState::exposeToQml(&state);
+
+    QQmlApplicationEngine engine;
+    engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/QuillFern/App/Main.qml")));
+    if (engine.rootObjects().isEmpty())
+        return 1;
+
+    // The session is restored once the window has first shown its content.
+    auto* window = qobject_cast<QQuickWindow*>(engine.rootObjects().constFirst());
+    if (window) {
+        QObject::connect(
+            window, &QQuickWindow::frameSwapped, &state, [&state, &store] { state.bootstrap(store.get()); },
+            Qt::SingleShotConnection);
+    } else {
+        state.bootstrap(store.get());
+    }
+
+    const int code = QGuiApplication::exec();
+    // Requests still in flight end with the network manager, before the state they report to.
+    network.reset();
+    return code;
+}

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "backend/archive_records.h"
+
+#include <QDateTime>
+#include <QString>
+#include <optional>
+
+// One stored game, a copy of the backend's match record.
+struct LocalMatch {
+    qint64 localId = 0; // the store's own identity, kept for the record's life
+    qint64 serverId = 0;
+    QString matchId;
+    QString platform;
+    qint64 queueId = 0;
+    bool isRanked = false;
+    std::optional<QDateTime> gameCreation;
+    qint64 gameDuration = 0;
+    std::optional<QString> gameVersion;
+    std::optional<QString> gameMode;
+    std::optional<qint64> season;
+
+    LocalMatch() = default;
+    explicit LocalMatch(const MatchDTO& dto);
+    void update(const MatchDTO& dto);
+};

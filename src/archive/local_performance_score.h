@@ -1,0 +1,23 @@
+#pragma once
+
+#include "backend/archive_records.h"
+
+#include <QString>
+#include <optional>
+
+// The backend's score of one linked account's play in one stored game.
+struct LocalPerformanceScore {
+    qint64 localId = 0;
+    qint64 serverId = 0;
+    qint64 riotAccountId = 0;
+    qint64 matchServerId = 0;
+    qint64 championId = 0;
+    std::optional<QString> teamPosition;
+    double score = 0;
+    QString componentsJSON = QStringLiteral("{}");
+    QString baselineKind = QStringLiteral("self");
+
+    LocalPerformanceScore() = default;
+    explicit LocalPerformanceScore(const PerformanceScoreDTO& dto);
+    void update(const PerformanceScoreDTO& dto);
+};

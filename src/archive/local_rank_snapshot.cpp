@@ -1,0 +1,18 @@
+#include "archive/local_rank_snapshot.h"
+
+#include "backend/backend_date.h"
+
+LocalRankSnapshot::LocalRankSnapshot(const RankSnapshotDTO& dto) : serverId(dto.id) {
+    update(dto);
+}
+
+void LocalRankSnapshot::update(const RankSnapshotDTO& dto) {
+    riotAccountId = dto.riotAccountId;
+    queue = dto.queue;
+    tier = dto.tier;
+    division = dto.division;
+    lp = dto.lp;
+    wins = dto.wins;
+    losses = dto.losses;
+    capturedAt = BackendDate::fromBackend(dto.capturedAt);
+}

@@ -1,0 +1,132 @@
+#include "archive/sqlite_database.h"
+
+#include "archive/store_error.h"
+
+#include <QStringList>
+#include <QTimeZone>
+#include <sqlite3.h>
+
+SqliteDatabase::SqliteDatabase(const QString& path) {
+    const int code = sqlite3_open_v2(path.toUtf8().constData(), &m_db,
+                                     SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
+    if (code != SQLITE_OK) {
+        const QString message = m_db ? QString::fromUtf8(sqlite3_errmsg(m_db)) : QString::fromUtf8(sqlite3_errstr(code));
+        sqlite3_close(m_db);
+        m_db = nullptr;
+        throw StoreError(message);
+    }
+    sqlite3_extended_result_codes(m_db, 1);
+}
+
+SqliteDatabase::~SqliteDatabase() {
+    sqlite3_close_v2(m_db);
+}
+
+void SqliteDatabase::fail(int code) const {
+    const char* message = m_db ? sqlite3_errmsg(m_db) : sqlite3_errstr(code);
+    throw StoreError(QString::fromUtf8(message));
+}
+
+void SqliteDatabase::execute(const QString& sql) {
+    const int code = sqlite3_exec(m_db, sql.toUtf8().constData(), nullptr, nullptr, nullptr);
+    if (code != SQLITE_OK)
+        fail(code);
+}
+
+qint64 SqliteDatabase::queryInteger(const QString& sql) {
+    SqliteStatement statement(*this, sql);
+    if (!statement.step())
+        return 0;
+    qint64 value = 0;
+    statement.read(0, value);
+    return value;
+}
+
+SqliteStatement::SqliteStatement(SqliteDatabase& database, const QString& sql) : m_database(database) {
+    const QByteArray text = sql.toUtf8();
+    const int code = sqlite3_prepare_v2(database.handle(), text.constData(), static_cast<int>(text.size()),
+                                        &m_statement, nullptr);
+    if (code != SQLITE_OK)
+        database.fail(code);
+}
+
+SqliteStatement::~SqliteStatement() {
+    sqlite3_finalize(m_statement);
+}
+
+void SqliteStatement::bind(int index, qint64 value) {
+    sqlite3_bind_int64(m_statement, index, value);
+}
+
+void SqliteStatement::bind(int index, double value) {
+    sqlite3_bind_double(m_statement, index, value);
+}
+
+void SqliteStatement::bind(int index, const QString& value) {
+    const QByteArray utf8 = value.toUtf8();
+    sqlite3_bind_text(m_statement, index, utf8.constData(), static_cast<int>(utf8.size()), SQLITE_TRANSIENT);
+}
+
+void SqliteStatement::bind(int index, const QDateTime& value) {
+    bind(index, value.toMSecsSinceEpoch());
+}
+
+void SqliteStatement::bind(int index, const QList<qint64>& value) {
+    QStringList parts;
+    parts.reserve(value.size());
+    for (qint64 item : value)
+        parts << QString::number(item);
+    bind(index, parts.join(QLatin1Char(',')));
+}
+
+void SqliteStatement::bindNull(int index) {
+    sqlite3_bind_null(m_statement, index);
+}
+
+bool SqliteStatement::step() {
+    const int code = sqlite3_step(m_statement);
+    if (code == SQLITE_ROW)
+        return true;
+    if (code == SQLITE_DONE)
+        return false;
+    sqlite3_reset(m_statement);
+    m_database.fail(code);
+}
+
+void SqliteStatement::reset() {
+    sqlite3_reset(m_statement);
+    sqlite3_clear_bindings(m_statement);
+}
+
+bool SqliteStatement::isNull(int column) const {
+    return sqlite3_column_type(m_statement, column) == SQLITE_NULL;
+}
+
+void SqliteStatement::read(int column, qint64& out) const {
+    out = sqlite3_column_int64(m_statement, column);
+}
+
+void SqliteStatement::read(int column, bool& out) const {
+    out = sqlite3_column_int64(m_statement, column) != 0;
+}
+
+void SqliteStatement::read(int column, double& out) const {
+    out = sqlite3_column_double(m_statement, column);
+}
+
+void SqliteStatement::read(int column, QString& out) const {
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(m_statement, column));
+    out = text ? QString::fromUtf8(text, sqlite3_column_bytes(m_statement, column)) : QString();
+}
+
+void SqliteStatement::read(int column, QDateTime& out) const {
+    out = QDateTime::fromMSecsSinceEpoch(sqlite3_column_int64(m_statement, column), QTimeZone::utc());
+}
+
+void SqliteStatement::read(int column, QList<qint64>& out) const {
+    QString text;
+    read(column, text);
+    out.clear();
+    for (QStringView part : QStringView(text).split(QLatin1Char(','), Qt::SkipEmptyParts))
+        out.append(part.toLongLong());
+}

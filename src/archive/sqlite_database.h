@@ -1,0 +1,76 @@
+#pragma once
+
+#include <QDateTime>
+#include <QList>
+#include <QString>
+#include <optional>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+class SqliteDatabase;
+
+// One prepared statement. Binding is positional from 1; reading is positional from 0.
+class SqliteStatement {
+public:
+    SqliteStatement(SqliteDatabase& database, const QString& sql);
+    ~SqliteStatement();
+    SqliteStatement(const SqliteStatement&) = delete;
+    SqliteStatement& operator=(const SqliteStatement&) = delete;
+
+    void bind(int index, qint64 value);
+    void bind(int index, bool value) { bind(index, static_cast<qint64>(value)); }
+    void bind(int index, double value);
+    void bind(int index, const QString& value);
+    void bind(int index, const QDateTime& value);
+    void bind(int index, const QList<qint64>& value);
+    template <class T> void bind(int index, const std::optional<T>& value) {
+        if (value)
+            bind(index, *value);
+        else
+            bindNull(index);
+    }
+    void bindNull(int index);
+
+    // True while a row is available; false when done. Throws StoreError on failure.
+    bool step();
+    void reset();
+
+    [[nodiscard]] bool isNull(int column) const;
+    void read(int column, qint64& out) const;
+    void read(int column, bool& out) const;
+    void read(int column, double& out) const;
+    void read(int column, QString& out) const;
+    void read(int column, QDateTime& out) const;
+    void read(int column, QList<qint64>& out) const;
+    template <class T> void read(int column, std::optional<T>& out) const {
+        if (isNull(column)) {
+            out.reset();
+        } else {
+            T value{};
+            read(column, value);
+            out = std::move(value);
+        }
+    }
+
+private:
+    SqliteDatabase& m_database;
+    sqlite3_stmt* m_statement = nullptr;
+};
+
+// An open SQLite database file. Every failure throws StoreError with SQLite's own text.
+class SqliteDatabase {
+public:
+    explicit SqliteDatabase(const QString& path);
+    ~SqliteDatabase();
+    SqliteDatabase(const SqliteDatabase&) = delete;
+    SqliteDatabase& operator=(const SqliteDatabase&) = delete;
+
+    void execute(const QString& sql);
+    [[nodiscard]] qint64 queryInteger(const QString& sql);
+    [[nodiscard]] sqlite3* handle() const { return m_db; }
+    [[noreturn]] void fail(int code) const;
+
+private:
+    sqlite3* m_db = nullptr;
+};

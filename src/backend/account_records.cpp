@@ -1,0 +1,42 @@
+#include "backend/account_records.h"
+
+#include <QStringList>
+
+UserDTO UserDTO::decode(const JsonReader& in) {
+    return {in.integer("id"), in.text("email"), in.optText("name")};
+}
+
+AuthResponse AuthResponse::decode(const JsonReader& in) {
+    return {in.text("token"), in.record<UserDTO>("user")};
+}
+
+QString RiotAccountDTO::riotId() const {
+    QStringList parts;
+    if (gameName)
+        parts << *gameName;
+    if (tagLine)
+        parts << *tagLine;
+    return parts.join(QLatin1Char('#'));
+}
+
+RiotAccountDTO RiotAccountDTO::decode(const JsonReader& in) {
+    RiotAccountDTO a;
+    a.id = in.integer("id");
+    a.puuid = in.text("puuid");
+    a.gameName = in.optText("gameName");
+    a.tagLine = in.optText("tagLine");
+    a.platform = in.text("platform");
+    a.region = in.text("region");
+    a.isOwner = in.optFlag("isOwner");
+    a.profileIconId = in.optInteger("profileIconId");
+    a.summonerLevel = in.optInteger("summonerLevel");
+    return a;
+}
+
+RiotAccountsResponse RiotAccountsResponse::decode(const JsonReader& in) {
+    return {in.records<RiotAccountDTO>("riotAccounts")};
+}
+
+RiotAccountResponse RiotAccountResponse::decode(const JsonReader& in) {
+    return {in.record<RiotAccountDTO>("riotAccount")};
+}

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "backend/json_reader.h"
+
+#include <QList>
+#include <QString>
+#include <optional>
+
+// Answers of the account and sign-in endpoints. Decode-only.
+
+struct UserDTO {
+    qint64 id = 0;
+    QString email;
+    std::optional<QString> name;
+
+    static UserDTO decode(const JsonReader& in);
+};
+
+struct AuthResponse {
+    QString token;
+    UserDTO user;
+
+    static AuthResponse decode(const JsonReader& in);
+};
+
+struct RiotAccountDTO {
+    qint64 id = 0;
+    QString puuid;
+    std::optional<QString> gameName;
+    std::optional<QString> tagLine;
+    QString platform;
+    QString region;
+    std::optional<bool> isOwner;
+    std::optional<qint64> profileIconId;
+    std::optional<qint64> summonerLevel;
+
+    // The present parts of name and tag joined with "#"; empty when neither is known.
+    [[nodiscard]] QString riotId() const;
+
+    static RiotAccountDTO decode(const JsonReader& in);
+};
+
+struct RiotAccountsResponse {
+    QList<RiotAccountDTO> riotAccounts;
+
+    static RiotAccountsResponse decode(const JsonReader& in);
+};
+
+struct RiotAccountResponse {
+    RiotAccountDTO riotAccount;
+
+    static RiotAccountResponse decode(const JsonReader& in);
+};

@@ -1,0 +1,111 @@
+#pragma once
+
+#include "backend/json_reader.h"
+
+#include <QList>
+#include <QMap>
+#include <QString>
+#include <QStringList>
+#include <optional>
+
+// Records of the archive pull, the client-game upload and the static-data version.
+// Decode-only; timestamps stay text and are read by whoever uses them.
+
+struct MatchDTO {
+    qint64 id = 0;
+    QString matchId;
+    QString platform;
+    qint64 queueId = 0;
+    std::optional<bool> isRanked;
+    std::optional<QString> gameCreation;
+    qint64 gameDuration = 0;
+    std::optional<QString> gameVersion;
+    std::optional<QString> gameMode;
+    std::optional<qint64> season;
+    std::optional<QString> updatedAt;
+
+    static MatchDTO decode(const JsonReader& in);
+};
+
+struct ParticipantDTO {
+    qint64 id = 0;
+    qint64 matchId = 0;
+    QString puuid;
+    std::optional<QString> riotIdGameName;
+    std::optional<QString> riotIdTagLine;
+    qint64 teamId = 0;
+    bool win = false;
+    qint64 championId = 0;
+    QString championName;
+    std::optional<QString> teamPosition;
+    std::optional<qint64> champLevel;
+    qint64 kills = 0;
+    qint64 deaths = 0;
+    qint64 assists = 0;
+    qint64 totalCs = 0;
+    qint64 goldEarned = 0;
+    qint64 visionScore = 0;
+    qint64 damageToChampions = 0;
+    std::optional<QList<qint64>> items;
+    std::optional<double> teamDamagePct;
+    std::optional<double> killParticipation;
+    std::optional<double> csPerMin;
+    std::optional<QString> rankTier;
+    std::optional<QString> rankDivision;
+    std::optional<qint64> rankLp;
+
+    static ParticipantDTO decode(const JsonReader& in);
+};
+
+struct RankSnapshotDTO {
+    qint64 id = 0;
+    qint64 riotAccountId = 0;
+    QString queue;
+    std::optional<QString> tier;
+    std::optional<QString> division;
+    qint64 lp = 0;
+    qint64 wins = 0;
+    qint64 losses = 0;
+    std::optional<QString> capturedAt;
+
+    static RankSnapshotDTO decode(const JsonReader& in);
+};
+
+struct PerformanceScoreDTO {
+    qint64 id = 0;
+    qint64 riotAccountId = 0;
+    qint64 matchId = 0;
+    qint64 championId = 0;
+    std::optional<QString> teamPosition;
+    double score = 0;
+    QMap<QString, double> components;
+    QString baselineKind;
+
+    static PerformanceScoreDTO decode(const JsonReader& in);
+};
+
+struct SyncResponse {
+    QList<MatchDTO> matches;
+    QList<ParticipantDTO> participants;
+    QList<RankSnapshotDTO> rankSnapshots;
+    QList<PerformanceScoreDTO> performanceScores;
+    std::optional<QString> nextCursor;
+    bool hasMore = false;
+
+    static SyncResponse decode(const JsonReader& in);
+};
+
+struct IngestLocalResponse {
+    qint64 ingested = 0;
+    qint64 skipped = 0;
+    QStringList matchIds;
+
+    static IngestLocalResponse decode(const JsonReader& in);
+};
+
+struct StaticVersionResponse {
+    QString version;
+    std::optional<QString> ddragonBaseUrl;
+
+    static StaticVersionResponse decode(const JsonReader& in);
+};

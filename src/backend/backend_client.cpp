@@ -1,0 +1,137 @@
+#include "backend/backend_client.h"
+
+#include "backend/backend_error.h"
+
+#include <QJsonDocument>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QNetworkRequest>
+#include <QStringDecoder>
+#include <QCoro/QCoroNetworkReply>
+#include <memory>
+
+namespace {
+
+constexpr int requestTimeoutMs = 60'000;
+
+struct DeleteLater {
+    void operator()(QObject* object) const { object->deleteLater(); }
+};
+
+// Errors of the transfer itself, as opposed to the ones Qt derives from an HTTP status.
+bool isTransferFailure(QNetworkReply::NetworkError error) {
+    const int code = static_cast<int>(error);
+    return (code > 0 && code < 200) || error == QNetworkReply::ProtocolUnknownError ||
+           error == QNetworkReply::ProtocolFailure;
+}
+
+std::optional<QString> utf8Text(const QByteArray& bytes) {
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    QString text = decoder.decode(bytes);
+    if (decoder.hasError())
+        return std::nullopt;
+    return text;
+}
+
+} // namespace
+
+BackendClient::BackendClient(QNetworkAccessManager& network, QUrl baseURL)
+    : m_network(network), m_baseURL(std::move(baseURL)) {}
+
+template <class Record> QCoro::Task<Record> BackendClient::request(Call call) {
+    const QByteArray body = co_await send(std::move(call));
+    try {
+        co_return decodeRecord<Record>(body);
+    } catch (const DecodingFailure& failure) {
+        throw BackendError::decoding(failure.text());
+    }
+}
+
+QCoro::Task<QByteArray> BackendClient::send(Call call) {
+    QNetworkRequest request(BackendUrl::build(m_baseURL, call.path, call.query));
+    request.setTransferTimeout(requestTimeoutMs);
+    request.setRawHeader("Accept", "application/json");
+    QByteArray payload;
+    if (call.body) {
+        request.setRawHeader("Content-Type", "application/json");
+        payload = QJsonDocument(*call.body).toJson(QJsonDocument::Compact);
+    }
+    if (call.authorized && m_authToken)
+        request.setRawHeader("Authorization", "Bearer " + m_authToken->toUtf8());
+
+    std::unique_ptr<QNetworkReply, DeleteLater> reply(
+        call.body || call.method != "GET" ? m_network.sendCustomRequest(request, call.method, payload)
+                                          : m_network.get(request));
+    co_await reply.get();
+
+    const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
+    if (isTransferFailure(reply->error()))
+        throw BackendError::transport(reply->errorString());
+    if (!status.isValid())
+        throw BackendError::transport(QStringLiteral("No HTTP response"));
+
+    const int code = status.toInt();
+    QByteArray answer = reply->readAll();
+    if (code >= 200 && code <= 299)
+        co_return answer;
+    if (code == 401)
+        throw BackendError::unauthorized();
+    throw BackendError::http(code, utf8Text(answer));
+}
+
+QCoro::Task<AuthResponse> BackendClient::registerAccount(QString email, QString password,
+                                                         std::optional<QString> name) {
+    QJsonObject body{{QStringLiteral("email"), email},
+                     {QStringLiteral("password"), password},
+                     {QStringLiteral("name"), name.value_or(QString())}};
+    co_return co_await request<AuthResponse>({"POST", QStringLiteral("auth/register"), {}, body, false});
+}
+
+QCoro::Task<AuthResponse> BackendClient::login(QString email, QString password) {
+    QJsonObject body{{QStringLiteral("email"), email}, {QStringLiteral("password"), password}};
+    co_return co_await request<AuthResponse>({"POST", QStringLiteral("auth/login"), {}, body, false});
+}
+
+QCoro::Task<AuthResponse> BackendClient::leagueLogin(QString puuid, QString platform,
+                                                     std::optional<QString> gameName,
+                                                     std::optional<QString> tagLine) {
+    QJsonObject body{{QStringLiteral("puuid"), puuid}, {QStringLiteral("platform"), platform}};
+    if (gameName)
+        body.insert(QStringLiteral("game_name"), *gameName);
+    if (tagLine)
+        body.insert(QStringLiteral("tag_line"), *tagLine);
+    co_return co_await request<AuthResponse>({"POST", QStringLiteral("auth/league"), {}, body, false});
+}
+
+QCoro::Task<RiotAccountsResponse> BackendClient::riotAccounts() {
+    co_return co_await request<RiotAccountsResponse>({"GET", QStringLiteral("riot-accounts"), {}, {}, true});
+}
+
+QCoro::Task<RiotAccountDTO> BackendClient::addRiotAccount(QString riotId, QString platform) {
+    QJsonObject body{{QStringLiteral("riot_id"), riotId}, {QStringLiteral("platform"), platform}};
+    const RiotAccountResponse answer =
+        co_await request<RiotAccountResponse>({"POST", QStringLiteral("riot-accounts"), {}, body, true});
+    co_return answer.riotAccount;
+}
+
+QCoro::Task<RiotAccountsResponse> BackendClient::refreshRiotAccounts() {
+    co_return co_await request<RiotAccountsResponse>(
+        {"POST", QStringLiteral("riot-accounts/refresh"), {}, {}, true});
+}
+
+QCoro::Task<SyncResponse> BackendClient::sync(std::optional<QString> cursor) {
+    QueryItems query;
+    if (cursor)
+        query.append({QStringLiteral("cursor"), *cursor});
+    co_return co_await request<SyncResponse>({"GET", QStringLiteral("sync"), query, {}, true});
+}
+
+QCoro::Task<IngestLocalResponse> BackendClient::ingestLocal(QJsonArray games) {
+    QJsonObject body{{QStringLiteral("games"), games}};
+    co_return co_await request<IngestLocalResponse>(
+        {"POST", QStringLiteral("matches/ingest-local"), {}, body, true});
+}
+
+QCoro::Task<StaticVersionResponse> BackendClient::staticVersion() {
+    co_return co_await request<StaticVersionResponse>({"GET", QStringLiteral("static/version"), {}, {}, false});
+}

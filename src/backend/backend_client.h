@@ -1,0 +1,56 @@
+#pragma once
+
+#include "backend/account_records.h"
+#include "backend/archive_records.h"
+#include "backend/backend_url.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QString>
+#include <QUrl>
+#include <QCoro/QCoroTask>
+#include <optional>
+
+class QNetworkAccessManager;
+
+// The one way to the backend service. Every endpoint is a thin call of request(); every
+// failure arrives as a BackendError. Requests suspend on the calling (main) thread's loop.
+class BackendClient {
+public:
+    BackendClient(QNetworkAccessManager& network, QUrl baseURL);
+
+    [[nodiscard]] const std::optional<QString>& authToken() const { return m_authToken; }
+    void setAuthToken(std::optional<QString> token) { m_authToken = std::move(token); }
+    [[nodiscard]] const QUrl& baseURL() const { return m_baseURL; }
+
+    // Accounts and sign-in.
+    QCoro::Task<AuthResponse> registerAccount(QString email, QString password, std::optional<QString> name);
+    QCoro::Task<AuthResponse> login(QString email, QString password);
+    QCoro::Task<AuthResponse> leagueLogin(QString puuid, QString platform, std::optional<QString> gameName,
+                                          std::optional<QString> tagLine);
+    QCoro::Task<RiotAccountsResponse> riotAccounts();
+    QCoro::Task<RiotAccountDTO> addRiotAccount(QString riotId, QString platform);
+    QCoro::Task<RiotAccountsResponse> refreshRiotAccounts();
+
+    // Archive.
+    QCoro::Task<SyncResponse> sync(std::optional<QString> cursor);
+    QCoro::Task<IngestLocalResponse> ingestLocal(QJsonArray games);
+    QCoro::Task<StaticVersionResponse> staticVersion();
+
+private:
+    struct Call {
+        QByteArray method;
+        QString path;
+        QueryItems query;
+        std::optional<QJsonObject> body;
+        bool authorized = false;
+    };
+
+    template <class Record> QCoro::Task<Record> request(Call call);
+    // Sends the call and yields the body of a 2xx answer; throws for everything else.
+    QCoro::Task<QByteArray> send(Call call);
+
+    QNetworkAccessManager& m_network;
+    QUrl m_baseURL;
+    std::optional<QString> m_authToken;
+};
