@@ -82,12 +82,14 @@ void AppState::bootstrap(ArchiveStore* context) {
 
 QCoro::Task<> AppState::registerAccount(QString email, QString password, std::optional<QString> name) {
     BackendClient* client = &m_client;
-    co_await authenticate([client, email, password, name] { return client->registerAccount(email, password, name); });
+    AuthCall call = [client, email, password, name] { return client->registerAccount(email, password, name); };
+    co_await authenticate(std::move(call));
 }
 
 QCoro::Task<> AppState::login(QString email, QString password) {
     BackendClient* client = &m_client;
-    co_await authenticate([client, email, password] { return client->login(email, password); });
+    AuthCall call = [client, email, password] { return client->login(email, password); };
+    co_await authenticate(std::move(call));
 }
 
 QCoro::Task<> AppState::loginWithLeague() {
@@ -171,13 +173,46 @@ QCoro::Task<> AppState::importFromClient() {
 }
 
 QCoro::Task<> AppState::loadDuos() {
-    // The frequent-duo digest arrives with the friends screen.
-    co_return;
+    try {
+        applyDuos((co_await m_client.duos()).duos);
+    } catch (...) {
+        handle(std::current_exception());
+    }
+}
+
+void AppState::applyDuos(const QList<DuoDTO>& duos) {
+    QSet<QString> puuids;
+    QHash<QString, QString> names;
+    QSet<QString> gameNames;
+    for (const DuoDTO& duo : duos) {
+        puuids.insert(duo.puuid);
+        if (duo.riotId) {
+            if (!names.contains(duo.puuid))
+                names.insert(duo.puuid, *duo.riotId);
+            for (const QString& piece : duo.riotId->split(QLatin1Char('#'))) {
+                if (!piece.isEmpty()) {
+                    gameNames.insert(piece.toLower());
+                    break;
+                }
+            }
+        }
+    }
+    m_friendPuuids = std::move(puuids);
+    m_friendNames = std::move(names);
+    m_friendGameNames = std::move(gameNames);
+    Q_EMIT friendsChanged();
 }
 
 QCoro::Task<> AppState::loadStaticVersion() {
-    // The data version and champion names arrive with the static game data.
-    co_return;
+    // Best effort and silent: images work with the built-in version when the backend is away.
+    try {
+        const StaticVersionResponse answer = co_await m_client.staticVersion();
+        if (answer.version != m_staticVersion) {
+            m_staticVersion = answer.version;
+            Q_EMIT staticVersionChanged();
+        }
+    } catch (...) {
+    }
 }
 
 void AppState::handle(std::exception_ptr error) {

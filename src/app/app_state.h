@@ -103,6 +103,7 @@ private:
 
     QCoro::Task<> authenticate(AuthCall call);
     void handle(std::exception_ptr error);
+    void applyDuos(const QList<DuoDTO>& duos);
     void startTask(QCoro::Task<> task);
 
     void setPhase(Phase phase);

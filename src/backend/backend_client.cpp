@@ -84,12 +84,12 @@ QCoro::Task<AuthResponse> BackendClient::registerAccount(QString email, QString 
     QJsonObject body{{QStringLiteral("email"), email},
                      {QStringLiteral("password"), password},
                      {QStringLiteral("name"), name.value_or(QString())}};
-    co_return co_await request<AuthResponse>({"POST", QStringLiteral("auth/register"), {}, body, false});
+    return request<AuthResponse>(Call{"POST", QStringLiteral("auth/register"), {}, body, false});
 }
 
 QCoro::Task<AuthResponse> BackendClient::login(QString email, QString password) {
     QJsonObject body{{QStringLiteral("email"), email}, {QStringLiteral("password"), password}};
-    co_return co_await request<AuthResponse>({"POST", QStringLiteral("auth/login"), {}, body, false});
+    return request<AuthResponse>(Call{"POST", QStringLiteral("auth/login"), {}, body, false});
 }
 
 QCoro::Task<AuthResponse> BackendClient::leagueLogin(QString puuid, QString platform,
@@ -100,38 +100,41 @@ QCoro::Task<AuthResponse> BackendClient::leagueLogin(QString puuid, QString plat
         body.insert(QStringLiteral("game_name"), *gameName);
     if (tagLine)
         body.insert(QStringLiteral("tag_line"), *tagLine);
-    co_return co_await request<AuthResponse>({"POST", QStringLiteral("auth/league"), {}, body, false});
+    return request<AuthResponse>(Call{"POST", QStringLiteral("auth/league"), {}, body, false});
 }
 
 QCoro::Task<RiotAccountsResponse> BackendClient::riotAccounts() {
-    co_return co_await request<RiotAccountsResponse>({"GET", QStringLiteral("riot-accounts"), {}, {}, true});
+    return request<RiotAccountsResponse>(Call{"GET", QStringLiteral("riot-accounts"), {}, {}, true});
 }
 
 QCoro::Task<RiotAccountDTO> BackendClient::addRiotAccount(QString riotId, QString platform) {
     QJsonObject body{{QStringLiteral("riot_id"), riotId}, {QStringLiteral("platform"), platform}};
-    const RiotAccountResponse answer =
-        co_await request<RiotAccountResponse>({"POST", QStringLiteral("riot-accounts"), {}, body, true});
+    // GCC 12 destroys a braced temporary inside a co_await twice: build the call first.
+    Call call{"POST", QStringLiteral("riot-accounts"), {}, body, true};
+    const RiotAccountResponse answer = co_await request<RiotAccountResponse>(std::move(call));
     co_return answer.riotAccount;
 }
 
 QCoro::Task<RiotAccountsResponse> BackendClient::refreshRiotAccounts() {
-    co_return co_await request<RiotAccountsResponse>(
-        {"POST", QStringLiteral("riot-accounts/refresh"), {}, {}, true});
+    return request<RiotAccountsResponse>(Call{"POST", QStringLiteral("riot-accounts/refresh"), {}, {}, true});
 }
 
 QCoro::Task<SyncResponse> BackendClient::sync(std::optional<QString> cursor) {
     QueryItems query;
     if (cursor)
         query.append({QStringLiteral("cursor"), *cursor});
-    co_return co_await request<SyncResponse>({"GET", QStringLiteral("sync"), query, {}, true});
+    return request<SyncResponse>(Call{"GET", QStringLiteral("sync"), query, {}, true});
 }
 
 QCoro::Task<IngestLocalResponse> BackendClient::ingestLocal(QJsonArray games) {
     QJsonObject body{{QStringLiteral("games"), games}};
-    co_return co_await request<IngestLocalResponse>(
-        {"POST", QStringLiteral("matches/ingest-local"), {}, body, true});
+    return request<IngestLocalResponse>(Call{"POST", QStringLiteral("matches/ingest-local"), {}, body, true});
 }
 
 QCoro::Task<StaticVersionResponse> BackendClient::staticVersion() {
-    co_return co_await request<StaticVersionResponse>({"GET", QStringLiteral("static/version"), {}, {}, false});
+    return request<StaticVersionResponse>(Call{"GET", QStringLiteral("static/version"), {}, {}, false});
+}
+
+QCoro::Task<DuosResponse> BackendClient::duos() {
+    return request<DuosResponse>(Call{"GET", QStringLiteral("stats/duos"), {}, {}, true});
 }

@@ -3,6 +3,7 @@
 #include "backend/account_records.h"
 #include "backend/archive_records.h"
 #include "backend/backend_url.h"
+#include "backend/social_records.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -36,6 +37,9 @@ public:
     QCoro::Task<SyncResponse> sync(std::optional<QString> cursor);
     QCoro::Task<IngestLocalResponse> ingestLocal(QJsonArray games);
     QCoro::Task<StaticVersionResponse> staticVersion();
+
+    // Social.
+    QCoro::Task<DuosResponse> duos();
 
 private:
     struct Call {

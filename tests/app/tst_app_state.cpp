@@ -1,0 +1,251 @@
+#include "app/app_state.h"
+#include "archive/archive_store.h"
+#include "support/archive_json.h"
+#include "support/fake_backend.h"
+#include "support/task_result.h"
+#include "support/test_settings.h"
+
+#include <QJsonArray>
+#include <QNetworkAccessManager>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace ArchiveJson;
+
+namespace {
+const QString expired = QStringLiteral("Your session expired. Please sign in again.");
+}
+
+class TestAppState : public QObject {
+    Q_OBJECT
+
+    QNetworkAccessManager m_network;
+    std::unique_ptr<FakeBackend> m_backend;
+    std::unique_ptr<TestSettings> m_settings;
+    std::unique_ptr<ArchiveStore> m_store;
+    std::unique_ptr<AppState> m_state;
+    QTemporaryDir m_dir;
+
+    void makeState() {
+        m_state = std::make_unique<AppState>(**m_settings, m_network);
+    }
+
+    void waitIdle() { QTRY_VERIFY_WITH_TIMEOUT(!m_state->hasRunningTasks(), 10000); }
+    void run(QCoro::Task<> task) { runTask(std::move(task)); }
+
+    QStringList paths() const {
+        QStringList result;
+        for (const RecordedRequest& request : m_backend->requests())
+            result << QString::fromLatin1(request.method) + ' ' + request.path;
+        return result;
+    }
+
+    void serveHappyBackend() {
+        m_backend->on("GET", "/api/static/version", FakeResponse::json({{"version", "16.12.1"}}));
+        m_backend->on("POST", "/api/auth/login", FakeResponse::json(auth("tok-login")));
+        m_backend->on("POST", "/api/auth/register", FakeResponse::json(auth("tok-register")));
+        m_backend->on("POST", "/api/riot-accounts/refresh", FakeResponse::json(riotAccounts({riotAccount(1, "me")})));
+        m_backend->on("GET", "/api/riot-accounts", FakeResponse::json(riotAccounts({riotAccount(1, "me")})));
+        m_backend->on("GET", "/api/sync",
+                      FakeResponse::json(page({match(1), match(2)}, {participant(10, 1, "me"), participant(11, 2, "me")})));
+        m_backend->on("GET", "/api/stats/duos",
+                      FakeResponse::json({{"duos", QJsonArray{QJsonObject{{"puuid", "friend-1"}, {"riot_id", "Bard Main#EUW"},
+                                                                          {"games", 5}, {"wins", 3}, {"losses", 2},
+                                                                          {"winrate", 0.6}},
+                                                              QJsonObject{{"puuid", "friend-2"}, {"riot_id", "#TAG"},
+                                                                          {"games", 4}, {"wins", 1}, {"losses", 3},
+                                                                          {"winrate", 0.25}}}}}));
+    }
+
+private Q_SLOTS:
+    void init() {
+        m_state.reset();
+        m_store.reset();
+        m_backend = std::make_unique<FakeBackend>();
+        m_settings = std::make_unique<TestSettings>();
+        (*m_settings)->setValue("backendBaseURL", m_backend->baseUrl().toString());
+        const QString path = m_dir.filePath(QStringLiteral("%1.sqlite").arg(QTest::currentTestFunction()));
+        QFile::remove(path);
+        m_store = std::make_unique<ArchiveStore>(path);
+        makeState();
+    }
+    void cleanup() {
+        if (m_state)
+            waitIdle();
+    }
+
+    void firstStartWithoutToken() {
+        serveHappyBackend();
+        QCOMPARE(m_state->phase(), AppState::Phase::Loading);
+        m_state->bootstrap(m_store.get());
+        QCOMPARE(m_state->phase(), AppState::Phase::SignedOut);
+        waitIdle();
+        QCOMPARE(paths(), QStringList{"GET /api/static/version"});
+        QCOMPARE(m_state->staticVersion(), QStringLiteral("16.12.1"));
+        QVERIFY(!m_state->errorMessage());
+    }
+
+    void staticVersionStaysWhenTheBackendIsDown() {
+        m_backend.reset();
+        m_state->bootstrap(m_store.get());
+        waitIdle();
+        QCOMPARE(m_state->staticVersion(), QStringLiteral("16.11.1"));
+        QVERIFY(!m_state->errorMessage());
+    }
+
+    void restoredButExpiredToken() {
+        (*m_settings)->setValue("authToken", "stale");
+        const FakeResponse rejected = FakeResponse::text(401, "{\"detail\":\"expired\"}");
+        m_backend->on("POST", "/api/riot-accounts/refresh", rejected);
+        m_backend->on("GET", "/api/sync", rejected);
+        QList<AppState::Phase> phases;
+        connect(m_state.get(), &AppState::phaseChanged, this, [&] { phases << m_state->phase(); });
+
+        m_state->bootstrap(m_store.get());
+        QCOMPARE(m_state->phase(), AppState::Phase::SignedIn);
+        QCOMPARE(m_backend->requestsTo("/api/riot-accounts/refresh").size(), 0); // not validated first
+        waitIdle();
+
+        QCOMPARE(phases, (QList<AppState::Phase>{AppState::Phase::SignedIn, AppState::Phase::SignedOut}));
+        QCOMPARE(m_state->errorMessage(), std::optional<QString>(expired));
+        QVERIFY(!(*m_settings)->contains("authToken"));
+        QVERIFY(!m_state->client().authToken());
+        QCOMPARE(m_backend->requestsTo("/api/riot-accounts/refresh").first().header("Authorization"), QByteArray("Bearer stale"));
+        // The sync that follows still runs, now without a token, and fails the same way.
+        QCOMPARE(m_backend->requestsTo("/api/sync").size(), 1);
+        QVERIFY(!m_backend->requestsTo("/api/sync").first().hasHeader("Authorization"));
+        QVERIFY(!m_state->isSyncing());
+    }
+
+    void signInTailInOrder() {
+        serveHappyBackend();
+        m_state->bootstrap(m_store.get());
+        waitIdle();
+        m_backend->clearRequests();
+        bool tokenStoredBeforeSignedIn = false;
+        connect(m_state.get(), &AppState::phaseChanged, this, [&] {
+            tokenStoredBeforeSignedIn = (*m_settings)->value("authToken").toString() == "tok-login" &&
+                                        m_state->client().authToken() == QStringLiteral("tok-login") && m_state->user();
+        });
+
+        run(m_state->login("ada@example.com", "password1"));
+
+        QVERIFY(tokenStoredBeforeSignedIn);
+        QCOMPARE(m_state->phase(), AppState::Phase::SignedIn);
+        QCOMPARE(m_state->user()->email, QStringLiteral("ada@example.com"));
+        QCOMPARE(paths(), (QStringList{"POST /api/auth/login", "POST /api/riot-accounts/refresh", "GET /api/sync",
+                                       "GET /api/stats/duos"}));
+        QCOMPARE(m_state->riotAccounts().size(), 1);
+        QCOMPARE(m_state->lastSyncedMatches(), std::optional<int>(2));
+        QCOMPARE(m_store->matches().count(), 2);
+        QCOMPARE(m_state->friendPuuids(), (QSet<QString>{"friend-1", "friend-2"}));
+        QCOMPARE(m_state->friendGameNames(), (QSet<QString>{"bard main", "tag"}));
+        QCOMPARE(m_state->friendNames().value("friend-1"), QStringLiteral("Bard Main#EUW"));
+        QVERIFY(!m_state->isSyncing());
+    }
+
+    void rejectedSignInShowsTheServersText() {
+        serveHappyBackend();
+        m_backend->on("POST", "/api/auth/register", FakeResponse::text(409, "Email already registered"));
+        m_state->bootstrap(m_store.get());
+        waitIdle();
+        run(m_state->registerAccount("ada@example.com", "password1", std::nullopt));
+        QCOMPARE(m_state->phase(), AppState::Phase::SignedOut);
+        QCOMPARE(m_state->errorMessage(), std::optional<QString>(QStringLiteral("Server error 409. Email already registered")));
+
+        // The next attempt clears the message as soon as it starts.
+        QSignalSpy cleared(m_state.get(), &AppState::errorMessageChanged);
+        run(m_state->login("ada@example.com", "password1"));
+        QVERIFY(cleared.count() >= 1);
+        QVERIFY(!m_state->errorMessage());
+        QCOMPARE(m_state->phase(), AppState::Phase::SignedIn);
+    }
+
+    void syncBeforeBootstrapDoesNothing() {
+        QSignalSpy syncing(m_state.get(), &AppState::isSyncingChanged);
+        run(m_state->sync());
+        QCOMPARE(syncing.count(), 0);
+        QVERIFY(m_backend->requests().isEmpty());
+    }
+
+    void failedPullKeepsTheLastCountAndSkipsDuos() {
+        serveHappyBackend();
+        m_state->bootstrap(m_store.get());
+        waitIdle();
+        run(m_state->sync());
+        QCOMPARE(m_state->lastSyncedMatches(), std::optional<int>(2));
+
+        m_backend->on("GET", "/api/sync", FakeResponse::text(502, "<html>bad gateway</html>"));
+        m_backend->clearRequests();
+        QSignalSpy syncing(m_state.get(), &AppState::isSyncingChanged);
+        run(m_state->sync());
+        QCOMPARE(syncing.count(), 2);
+        QVERIFY(!m_state->isSyncing());
+        QCOMPARE(m_state->lastSyncedMatches(), std::optional<int>(2));
+        QCOMPARE(m_state->errorMessage(), std::optional<QString>(QStringLiteral("Server error 502. <html>bad gateway</html>")));
+        QVERIFY(m_backend->requestsTo("/api/stats/duos").isEmpty());
+        QCOMPARE(m_store->matches().count(), 2);
+    }
+
+    void emptyPullCountsZero() {
+        serveHappyBackend();
+        m_backend->on("GET", "/api/sync", FakeResponse::json(page({})));
+        m_state->bootstrap(m_store.get());
+        waitIdle();
+        run(m_state->sync());
+        QCOMPARE(m_state->lastSyncedMatches(), std::optional<int>(0));
+    }
+
+    void accountRefreshFallsBackSilently_data() {
+        QTest::addColumn<int>("listStatus");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("list answers") << 200 << QString();
+        QTest::newRow("list fails too") << 500 << "Server error 500. down";
+    }
+    void accountRefreshFallsBackSilently() {
+        QFETCH(int, listStatus);
+        QFETCH(QString, message);
+        serveHappyBackend();
+        m_backend->on("POST", "/api/riot-accounts/refresh", FakeResponse::text(503, "riot is down"));
+        if (listStatus != 200)
+            m_backend->on("GET", "/api/riot-accounts", FakeResponse::text(listStatus, "down"));
+        m_state->bootstrap(m_store.get());
+        waitIdle();
+        m_state->client().setAuthToken(QStringLiteral("t"));
+        run(m_state->refreshAccountsFromRiot());
+        QCOMPARE(m_state->riotAccounts().size(), listStatus == 200 ? 1 : 0);
+        QCOMPARE(m_state->errorMessage().value_or(QString()), message);
+    }
+
+    void archiveAndSessionSurviveARestart() {
+        serveHappyBackend();
+        m_backend->on("GET", "/api/sync",
+                      FakeResponse::json(page({match(1), match(2)}, {participant(10, 1, "me"), participant(11, 2, "me")},
+                                              {}, {}, QStringLiteral("after-2"), false)));
+        m_state->bootstrap(m_store.get());
+        waitIdle();
+        run(m_state->login("ada@example.com", "password1"));
+        QCOMPARE(m_store->matches().count(), 2);
+
+        // Quit and start again on the same files.
+        m_state.reset();
+        const QString path = m_dir.filePath(QStringLiteral("archiveAndSessionSurviveARestart.sqlite"));
+        m_store.reset();
+        m_settings->reopen();
+        m_store = std::make_unique<ArchiveStore>(path);
+        QCOMPARE(m_store->matches().count(), 2);
+        QCOMPARE(m_store->participants().count(), 2);
+        makeState();
+        m_backend->on("GET", "/api/sync", FakeResponse::json(page({})));
+        m_backend->clearRequests();
+        m_state->bootstrap(m_store.get());
+        QCOMPARE(m_state->phase(), AppState::Phase::SignedIn);
+        waitIdle();
+        QCOMPARE(m_backend->requestsTo("/api/sync").first().rawQuery, QByteArray("cursor=after-2"));
+        QCOMPARE(m_store->matches().count(), 2);
+        QVERIFY(!m_state->user()); // not restored, by design
+    }
+};
+
+QTEST_GUILESS_MAIN(TestAppState)
+#include "tst_app_state.moc"

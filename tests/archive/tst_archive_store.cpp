@@ -1,0 +1,243 @@
+#include "archive/archive_store.h"
+#include "archive/store_error.h"
+#include "backend/backend_date.h"
+#include "backend/json_reader.h"
+#include "support/archive_json.h"
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimeZone>
+#include <sqlite3.h>
+
+using namespace ArchiveJson;
+
+namespace {
+
+template <class Dto> Dto dtoOf(const QJsonObject& json) {
+    return Dto::decode(JsonReader(json));
+}
+
+} // namespace
+
+class TestArchiveStore : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir m_dir;
+    QString m_path;
+
+private Q_SLOTS:
+    void init() {
+        m_path = m_dir.filePath(QStringLiteral("archive-%1.sqlite").arg(QTest::currentTestFunction()));
+        QFile::remove(m_path);
+    }
+
+    void displayName_data() {
+        QTest::addColumn<QJsonValue>("gameName");
+        QTest::addColumn<QString>("puuid");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("name") << QJsonValue("Ada") << "abcdefghij" << "Ada";
+        QTest::newRow("empty name") << QJsonValue("") << "abcdefghij" << "abcdef";
+        QTest::newRow("no name") << QJsonValue(QJsonValue::Null) << "abcdefghij" << "abcdef";
+        QTest::newRow("short puuid") << QJsonValue(QJsonValue::Null) << "abc" << "abc";
+    }
+    void displayName() {
+        QFETCH(QJsonValue, gameName);
+        QFETCH(QString, puuid);
+        QFETCH(QString, shown);
+        QJsonObject json = participant(1, 1, puuid);
+        json["riot_id_game_name"] = gameName;
+        QCOMPARE(LocalParticipant(dtoOf<ParticipantDTO>(json)).displayName(), shown);
+    }
+
+    void rankedFlagKeptWhenAbsent() {
+        QJsonObject json = match(1, 420);
+        json.remove("is_ranked");
+        QVERIFY(!LocalMatch(dtoOf<MatchDTO>(json)).isRanked);
+
+        LocalMatch stored(dtoOf<MatchDTO>(match(1, 420)));
+        QVERIFY(stored.isRanked);
+        stored.update(dtoOf<MatchDTO>(json));
+        QVERIFY(stored.isRanked);
+        json["is_ranked"] = false;
+        stored.update(dtoOf<MatchDTO>(json));
+        QVERIFY(!stored.isRanked);
+    }
+
+    void copiedValues() {
+        QJsonObject json = participant(5, 9, "puuid-1");
+        json.remove("items");
+        const LocalParticipant p(dtoOf<ParticipantDTO>(json));
+        QVERIFY(p.items.isEmpty());
+        QCOMPARE(p.serverId, 5);
+        QCOMPARE(p.matchServerId, 9);
+
+        QJsonObject badDate = match(2);
+        badDate["game_creation"] = "01/03/2025";
+        QVERIFY(!LocalMatch(dtoOf<MatchDTO>(badDate)).gameCreation);
+        QCOMPARE(LocalMatch(dtoOf<MatchDTO>(match(2))).gameCreation->toMSecsSinceEpoch(),
+                 QDateTime(QDate(2025, 3, 1), QTime(18, 4, 5), QTimeZone::utc()).toMSecsSinceEpoch());
+    }
+
+    void scoreComponents_data() {
+        QTest::addColumn<QJsonObject>("components");
+        QTest::newRow("one") << QJsonObject{{"kill_participation", 0.5}};
+        QTest::newRow("none") << QJsonObject{};
+        QTest::newRow("several") << QJsonObject{{"a", 1.25}, {"b_c", -3.0}};
+    }
+    void scoreComponents() {
+        QFETCH(QJsonObject, components);
+        QJsonObject json = score(1, 2, 3);
+        json["components"] = components;
+        const PerformanceScoreDTO dto = dtoOf<PerformanceScoreDTO>(json);
+        const LocalPerformanceScore stored(dto);
+        const QJsonObject written = QJsonDocument::fromJson(stored.componentsJSON.toUtf8()).object();
+        QCOMPARE(written.size(), dto.components.size());
+        for (auto it = dto.components.constBegin(); it != dto.components.constEnd(); ++it)
+            QCOMPARE(written.value(it.key()).toDouble(), it.value());
+        QVERIFY(LocalPerformanceScore().componentsJSON == "{}" && LocalPerformanceScore().baselineKind == "self");
+    }
+
+    void everythingSurvivesReopening() {
+        qint64 matchLocalId = 0;
+        {
+            ArchiveStore store(m_path);
+            matchLocalId = store.matches().insert(std::make_unique<LocalMatch>(dtoOf<MatchDTO>(match(11))))->localId;
+            QJsonObject bare = participant(21, 11, "p-bare");
+            for (const char* key : {"riot_id_game_name", "riot_id_tag_line", "team_position", "champ_level", "items",
+                                    "team_damage_pct", "kill_participation", "cs_per_min", "rank_tier",
+                                    "rank_division", "rank_lp"})
+                bare.remove(key);
+            store.participants().insert(std::make_unique<LocalParticipant>(dtoOf<ParticipantDTO>(participant(20, 11, "p-full"))));
+            store.participants().insert(std::make_unique<LocalParticipant>(dtoOf<ParticipantDTO>(bare)));
+            store.rankSnapshots().insert(std::make_unique<LocalRankSnapshot>(dtoOf<RankSnapshotDTO>(snapshot(30, 1))));
+            store.performanceScores().insert(std::make_unique<LocalPerformanceScore>(dtoOf<PerformanceScoreDTO>(score(40, 1, 11))));
+            store.save();
+        }
+        ArchiveStore store(m_path);
+        QCOMPARE(store.matches().count(), 1);
+        const LocalMatch* m = store.matches().all().front();
+        QCOMPARE(m->localId, matchLocalId);
+        QCOMPARE(m->matchId, QStringLiteral("EUW1_7000000011"));
+        QVERIFY(m->isRanked);
+        QCOMPARE(m->gameCreation->toMSecsSinceEpoch(), BackendDate::fromBackend(QStringLiteral("2025-03-01T18:04:05Z"))->toMSecsSinceEpoch());
+        QCOMPARE(m->season, std::optional<qint64>(2025));
+
+        const auto participants = store.participants().withMatchServerId(11);
+        QCOMPARE(participants.size(), std::size_t(2));
+        const LocalParticipant* full = participants[0]->puuid == "p-full" ? participants[0] : participants[1];
+        const LocalParticipant* bare = participants[0]->puuid == "p-full" ? participants[1] : participants[0];
+        QCOMPARE(full->items, (QList<qint64>{3089, 3020, 4645, 0, 0, 0, 3340}));
+        QCOMPARE(full->csPerMin, std::optional<double>(6.7));
+        QCOMPARE(full->riotIdTagLine, std::optional<QString>(QStringLiteral("EUW")));
+        QVERIFY(full->win);
+        QVERIFY(bare->items.isEmpty());
+        QVERIFY(!bare->riotIdGameName && !bare->champLevel && !bare->teamDamagePct && !bare->rankLp);
+
+        const LocalRankSnapshot* snap = store.rankSnapshots().all().front();
+        QCOMPARE(snap->tier, std::optional<QString>(QStringLiteral("GOLD")));
+        QVERIFY(snap->capturedAt);
+        const LocalPerformanceScore* s = store.performanceScores().all().front();
+        QCOMPARE(s->score, 61.5);
+        QCOMPARE(QJsonDocument::fromJson(s->componentsJSON.toUtf8()).object().value("killParticipation").toDouble(), 0.64);
+    }
+
+    void updatesAndDeletionsPersist() {
+        {
+            ArchiveStore store(m_path);
+            for (int id = 1; id <= 3; ++id)
+                store.matches().insert(std::make_unique<LocalMatch>(dtoOf<MatchDTO>(match(id))));
+            store.save();
+            LocalMatch* second = store.matches().withServerIds({2}).front();
+            second->gameDuration = 42;
+            store.matches().markChanged(second);
+            store.matches().remove(store.matches().withServerIds({3}).front());
+            store.save();
+        }
+        {
+            ArchiveStore store(m_path);
+            QCOMPARE(store.matches().count(), 2);
+            QCOMPARE(store.matches().withServerIds({2}).front()->gameDuration, 42);
+            QVERIFY(store.matches().withServerIds({3}).empty());
+            store.matches().removeAll();
+            store.matches().insert(std::make_unique<LocalMatch>(dtoOf<MatchDTO>(match(9))));
+            store.save();
+        }
+        ArchiveStore store(m_path);
+        QCOMPARE(store.matches().count(), 1);
+        QCOMPARE(store.matches().all().front()->serverId, 9);
+    }
+
+    void changedOnlyWhenSomethingWasSaved() {
+        ArchiveStore store(m_path);
+        QSignalSpy spy(&store, &ArchiveStore::changed);
+        store.save();
+        QCOMPARE(spy.count(), 0);
+        store.matches().insert(std::make_unique<LocalMatch>());
+        store.save();
+        QCOMPARE(spy.count(), 1);
+    }
+
+    void failedSaveKeepsChangesPending() {
+        ArchiveStore store(m_path);
+        store.matches().insert(std::make_unique<LocalMatch>(dtoOf<MatchDTO>(match(1))));
+        store.save();
+        store.matches().insert(std::make_unique<LocalMatch>(dtoOf<MatchDTO>(match(2))));
+        QVERIFY(sqlite3_exec(store.database().handle(), "PRAGMA query_only = 1", nullptr, nullptr, nullptr) == SQLITE_OK);
+        QVERIFY_THROWS_EXCEPTION(StoreError, store.save());
+        QVERIFY(store.hasChanges());
+        QVERIFY(sqlite3_exec(store.database().handle(), "PRAGMA query_only = 0", nullptr, nullptr, nullptr) == SQLITE_OK);
+        store.save();
+        QVERIFY(!store.hasChanges());
+    }
+
+    void unreadableFilesAreRefusedAndKept_data() {
+        QTest::addColumn<QByteArray>("content");
+        QTest::newRow("text file") << QByteArray("these are not the games you are looking for\n").repeated(200);
+        QTest::newRow("truncated header") << QByteArray("SQLite format 3\0\x10\0", 18);
+    }
+    void unreadableFilesAreRefusedAndKept() {
+        QFETCH(QByteArray, content);
+        {
+            QFile file(m_path);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write(content);
+        }
+        try {
+            ArchiveStore store(m_path);
+            QFAIL("a file that is not an archive was opened");
+        } catch (const StoreError& error) {
+            QVERIFY(!error.description().isEmpty());
+        }
+        QFile file(m_path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), content); // left exactly as it was
+    }
+
+    void newerSchemaIsRefused() {
+        { ArchiveStore store(m_path); store.database().execute(QStringLiteral("PRAGMA user_version = 99")); }
+        QVERIFY_THROWS_EXCEPTION(StoreError, ArchiveStore store(m_path));
+    }
+
+    void secondOpenWhileInUseIsRefused() {
+        ArchiveStore first(m_path);
+        first.matches().insert(std::make_unique<LocalMatch>());
+        first.save();
+        QVERIFY_THROWS_EXCEPTION(StoreError, ArchiveStore second(m_path));
+    }
+
+    void duplicateServerIdsAreFetchedOldestFirst() {
+        ArchiveStore store(m_path);
+        LocalMatch* a = store.matches().insert(std::make_unique<LocalMatch>(dtoOf<MatchDTO>(match(5))));
+        LocalMatch* b = store.matches().insert(std::make_unique<LocalMatch>(dtoOf<MatchDTO>(match(5))));
+        const auto found = store.matches().withServerIds({5});
+        QCOMPARE(found.size(), std::size_t(2));
+        QCOMPARE(found[0], a);
+        QCOMPARE(found[1], b);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestArchiveStore)
+#include "tst_archive_store.moc"
