@@ -1,0 +1,76 @@
+#include "game_data/ddragon.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSettings>
+
+DDragon::DDragon(QString cdnBase) : m_base(std::move(cdnBase)) {}
+
+DDragon DDragon::fromSettings(const QSettings& settings) {
+    const QString stored = settings.value(QLatin1String(cdnBaseKey)).toString().trimmed();
+    if (stored.isEmpty())
+        return DDragon();
+    // The paths are appended as they are, so the base must end with its separator.
+    return DDragon(stored.endsWith(QLatin1Char('/')) ? stored : stored + QLatin1Char('/'));
+}
+
+QUrl DDragon::make(const QString& tail) const {
+    const QUrl url(m_base + tail, QUrl::StrictMode);
+    if (!url.isValid() || url.scheme().isEmpty())
+        return {};
+    return url;
+}
+
+QUrl DDragon::itemIcon(qint64 id, const QString& version) const {
+    return make(version + QStringLiteral("/img/item/") + QString::number(id) + QStringLiteral(".png"));
+}
+
+QUrl DDragon::profileIcon(qint64 id, const QString& version) const {
+    return make(version + QStringLiteral("/img/profileicon/") + QString::number(id) + QStringLiteral(".png"));
+}
+
+QUrl DDragon::championIcon(const QString& championName, const QString& version) const {
+    QString name = championName;
+    name.remove(QLatin1Char(' '));
+    return make(version + QStringLiteral("/img/champion/") + name + QStringLiteral(".png"));
+}
+
+QUrl DDragon::championList(const QString& version) const {
+    return make(version + QStringLiteral("/data/en_US/champion.json"));
+}
+
+std::optional<qint64> DDragon::parseChampionKey(const QString& key) {
+    qsizetype start = 0;
+    if (!key.isEmpty() && (key[0] == QLatin1Char('+') || key[0] == QLatin1Char('-')))
+        start = 1;
+    if (start == key.size())
+        return std::nullopt;
+    for (qsizetype i = start; i < key.size(); ++i)
+        if (key[i] < QLatin1Char('0') || key[i] > QLatin1Char('9'))
+            return std::nullopt;
+    bool ok = false;
+    const qint64 value = key.toLongLong(&ok);
+    return ok ? std::optional<qint64>(value) : std::nullopt;
+}
+
+std::optional<QHash<qint64, QString>> DDragon::parseChampionList(const QByteArray& json) {
+    QJsonParseError error{};
+    const QJsonDocument document = QJsonDocument::fromJson(json, &error);
+    if (error.error != QJsonParseError::NoError || !document.isObject())
+        return std::nullopt;
+    const QJsonValue data = document.object().value(QLatin1String("data"));
+    if (!data.isObject())
+        return std::nullopt;
+    QHash<qint64, QString> result;
+    const QJsonObject entries = data.toObject();
+    for (auto it = entries.constBegin(); it != entries.constEnd(); ++it) {
+        const QJsonObject entry = it.value().toObject();
+        const QJsonValue key = entry.value(QLatin1String("key"));
+        const QJsonValue id = entry.value(QLatin1String("id"));
+        if (!key.isString() || !id.isString())
+            continue;
+        if (const auto number = parseChampionKey(key.toString()))
+            result.insert(*number, id.toString());
+    }
+    return result;
+}
