@@ -1,0 +1,17 @@
+import QtQuick
+
+// A participant's items in slot order.
+Row {
+    id: root
+    property var items: []
+    property real size: 22
+    spacing: 3
+    Repeater {
+        model: root.items
+        ItemIcon {
+            required property var modelData
+            itemId: modelData
+            size: root.size
+        }
+    }
+}

@@ -1,0 +1,45 @@
+import QtQuick
+import QuillFern.Theme
+
+// A figure on glass: title, value with unit, and an optional meter.
+GlassCard {
+    id: root
+    property string title
+    property string value
+    property string unit: ""
+    property real meter: -1          // below 0: no meter
+    property color tint: Theme.gold
+
+    Column {
+        width: parent.width
+        spacing: 8
+        SectionLabel { text: root.title; width: parent.width }
+        Row {
+            spacing: 4
+            Text {
+                id: valueText
+                text: root.value
+                color: Theme.text
+                font.family: Theme.fontFamily
+                font.pixelSize: 24
+                font.weight: Font.Bold
+                font.letterSpacing: -0.5
+            }
+            Text {
+                anchors.baseline: valueText.baseline
+                visible: root.unit.length > 0
+                text: root.unit
+                color: Theme.textSecondary
+                font.family: Theme.fontFamily
+                font.pixelSize: 12
+                font.weight: Font.Medium
+            }
+        }
+        MeterBar {
+            width: parent.width
+            visible: root.meter >= 0
+            pct: root.meter
+            tint: root.tint
+        }
+    }
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "game_data/ddragon.h"
+
+#include <QObject>
+#include <QUrl>
+#include <QtQml/qqmlregistration.h>
+
+class QQmlEngine;
+class QJSEngine;
+
+// Image addresses for QML: champion portraits, item and profile icons at the current data
+// version. Bindings that read `version` follow a version change.
+class GameImages : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_SINGLETON
+
+    Q_PROPERTY(QString version READ version NOTIFY versionChanged)
+
+public:
+    explicit GameImages(QObject* parent = nullptr) : QObject(parent) {}
+
+    static void exposeToQml(GameImages* instance) { s_instance = instance; }
+    static GameImages* create(QQmlEngine*, QJSEngine*);
+
+    void setDDragon(DDragon ddragon) { m_ddragon = std::move(ddragon); }
+    void setVersion(const QString& version);
+    [[nodiscard]] const QString& version() const { return m_version; }
+
+    Q_INVOKABLE QUrl champion(const QString& name) const { return m_ddragon.championIcon(name, m_version); }
+    Q_INVOKABLE QUrl item(qint64 id) const { return m_ddragon.itemIcon(id, m_version); }
+    Q_INVOKABLE QUrl profileIcon(qint64 id) const { return m_ddragon.profileIcon(id, m_version); }
+
+Q_SIGNALS:
+    void versionChanged();
+
+private:
+    DDragon m_ddragon;
+    QString m_version = QStringLiteral("16.11.1");
+    static inline GameImages* s_instance = nullptr;
+};

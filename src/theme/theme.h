@@ -1,0 +1,69 @@
+#pragma once
+
+#include <QColor>
+#include <QObject>
+#include <QVariantList>
+#include <QtQml/qqmlregistration.h>
+#include <array>
+
+// The one palette every screen draws with, and the three colour rules derived from it.
+class Theme : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_SINGLETON
+
+    Q_PROPERTY(QColor win READ win CONSTANT)
+    Q_PROPERTY(QColor loss READ loss CONSTANT)
+    Q_PROPERTY(QColor winSoft READ winSoft CONSTANT)
+    Q_PROPERTY(QColor lossSoft READ lossSoft CONSTANT)
+    Q_PROPERTY(QColor gold READ gold CONSTANT)
+    Q_PROPERTY(QColor goldBright READ goldBright CONSTANT)
+    Q_PROPERTY(QColor teal READ teal CONSTANT)
+    Q_PROPERTY(QColor orange READ orange CONSTANT)
+    Q_PROPERTY(QColor purple READ purple CONSTANT)
+    Q_PROPERTY(QColor wallTop READ wallTop CONSTANT)
+    Q_PROPERTY(QColor wallBottom READ wallBottom CONSTANT)
+    Q_PROPERTY(QColor glassDark READ glassDark CONSTANT)
+    Q_PROPERTY(QColor text READ text CONSTANT)
+    Q_PROPERTY(QColor textSecondary READ textSecondary CONSTANT)
+    Q_PROPERTY(QColor textDim READ textDim CONSTANT)
+    Q_PROPERTY(QColor textFaint READ textFaint CONSTANT)
+    Q_PROPERTY(QString fontFamily READ fontFamily CONSTANT)
+
+public:
+    using Pair = std::array<QColor, 2>; // light, dark
+
+    explicit Theme(QObject* parent = nullptr) : QObject(parent) {}
+
+    static QColor win() { return QColor(83, 131, 232); }
+    static QColor loss() { return QColor(232, 64, 87); }
+    static QColor winSoft() { return QColor::fromRgbF(83 / 255.f, 131 / 255.f, 232 / 255.f, 0.16f); }
+    static QColor lossSoft() { return QColor::fromRgbF(232 / 255.f, 64 / 255.f, 87 / 255.f, 0.16f); }
+    static QColor gold() { return QColor(200, 170, 110); }
+    static QColor goldBright() { return QColor(228, 204, 146); }
+    static QColor teal() { return QColor(10, 200, 185); }
+    static QColor orange() { return QColor(255, 159, 10); }
+    static QColor purple() { return QColor(168, 85, 247); }
+    static QColor wallTop() { return QColor(26, 21, 48); }
+    static QColor wallBottom() { return QColor(12, 10, 24); }
+    static QColor glassDark() { return QColor(14, 20, 34); }
+    static QColor text() { return white(0.96); }
+    static QColor textSecondary() { return white(0.62); }
+    static QColor textDim() { return white(0.42); }
+    static QColor textFaint() { return white(0.30); }
+    static QColor white(double opacity) { return QColor::fromRgbF(1, 1, 1, static_cast<float>(opacity)); }
+    static QString fontFamily() { return QStringLiteral("Inter"); }
+
+    // Light and dark colour of a tier, matched on the upper-cased tier; grey for anything else.
+    [[nodiscard]] static Pair tierPair(const QString& tier);
+    // One of six light/dark pairs, picked by |seed| mod 6.
+    [[nodiscard]] static Pair champPair(qint64 seed);
+    [[nodiscard]] static QColor kda(double kda);
+    // A hash of a text that is the same on every run, for picking fallback colours.
+    [[nodiscard]] static qint64 stableHash(const QString& text);
+
+    Q_INVOKABLE QVariantList tierGradient(const QString& tier) const;
+    Q_INVOKABLE QVariantList champGradient(qint64 seed) const;
+    Q_INVOKABLE QVariantList nameGradient(const QString& name) const;
+    Q_INVOKABLE QColor kdaColor(double kda) const { return Theme::kda(kda); }
+};

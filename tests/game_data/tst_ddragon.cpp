@@ -1,0 +1,71 @@
+#include "game_data/ddragon.h"
+
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QTest>
+
+class TestDDragon : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void addresses() {
+        const DDragon cdn;
+        QCOMPARE(cdn.itemIcon(3031, "16.11.1").toString(),
+                 QStringLiteral("https://ddragon.leagueoflegends.com/cdn/16.11.1/img/item/3031.png"));
+        QCOMPARE(cdn.profileIcon(4568, "16.11.1").toString(),
+                 QStringLiteral("https://ddragon.leagueoflegends.com/cdn/16.11.1/img/profileicon/4568.png"));
+        QCOMPARE(cdn.championIcon("Lee Sin", "16.11.1").toString(),
+                 QStringLiteral("https://ddragon.leagueoflegends.com/cdn/16.11.1/img/champion/LeeSin.png"));
+        QCOMPARE(cdn.championList("16.11.1").toString(),
+                 QStringLiteral("https://ddragon.leagueoflegends.com/cdn/16.11.1/data/en_US/champion.json"));
+        QVERIFY(!DDragon(QStringLiteral("::not a base")).itemIcon(1, "v").isValid());
+    }
+
+    void baseFromPreference() {
+        QTemporaryDir dir;
+        QSettings settings(dir.filePath("s.ini"), QSettings::IniFormat);
+        QCOMPARE(DDragon::fromSettings(settings).cdnBase(), QString::fromLatin1(DDragon::defaultCdnBase));
+        settings.setValue("quill.cdnBaseURL", "http://127.0.0.1:9/cdn");
+        QCOMPARE(DDragon::fromSettings(settings).itemIcon(1, "v").toString(), QStringLiteral("http://127.0.0.1:9/cdn/v/img/item/1.png"));
+    }
+
+    void championKey_data() {
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<bool>("accepted");
+        QTest::addColumn<qint64>("id");
+        QTest::newRow("plain") << "266" << true << qint64(266);
+        QTest::newRow("plus sign") << "+103" << true << qint64(103);
+        QTest::newRow("minus sign") << "-7" << true << qint64(-7);
+        QTest::newRow("letters") << "Ahri" << false << qint64(0);
+        QTest::newRow("empty") << "" << false << qint64(0);
+        QTest::newRow("sign only") << "+" << false << qint64(0);
+        QTest::newRow("leading space") << " 12" << false << qint64(0);
+        QTest::newRow("decimal") << "1.5" << false << qint64(0);
+    }
+    void championKey() {
+        QFETCH(QString, key);
+        QFETCH(bool, accepted);
+        QFETCH(qint64, id);
+        const auto parsed = DDragon::parseChampionKey(key);
+        QCOMPARE(parsed.has_value(), accepted);
+        if (accepted)
+            QCOMPARE(*parsed, id);
+    }
+
+    void championList() {
+        const QByteArray json = R"({"type":"champion","data":{
+            "Ahri":{"key":"103","id":"Ahri","name":"Ahri"},
+            "MonkeyKing":{"key":"62","id":"MonkeyKing","name":"Wukong"},
+            "Broken":{"key":"abc","id":"Broken"},
+            "NoKey":{"id":"NoKey"}}})";
+        const auto map = DDragon::parseChampionList(json);
+        QVERIFY(map);
+        QCOMPARE(map->size(), 2);
+        QCOMPARE(map->value(62), QStringLiteral("MonkeyKing"));
+        QVERIFY(!DDragon::parseChampionList("not json"));
+        QVERIFY(!DDragon::parseChampionList(R"({"data":[]})"));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestDDragon)
+#include "tst_ddragon.moc"

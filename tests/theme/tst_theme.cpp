@@ -1,0 +1,96 @@
+#include "theme/fonts.h"
+#include "theme/symbols.h"
+#include "theme/theme.h"
+
+#include <QGuiApplication>
+#include <QFontDatabase>
+#include <QRawFont>
+#include <QSet>
+#include <QTest>
+#include <cmath>
+#include <limits>
+
+class TestTheme : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void kdaColor_data() {
+        QTest::addColumn<double>("kda");
+        QTest::addColumn<QColor>("color");
+        QTest::newRow("5.0") << 5.0 << Theme::orange();
+        QTest::newRow("12") << 12.0 << Theme::orange();
+        QTest::newRow("4.99") << 4.99 << Theme::teal();
+        QTest::newRow("4.0") << 4.0 << Theme::teal();
+        QTest::newRow("3.0") << 3.0 << Theme::win();
+        QTest::newRow("2.0") << 2.0 << Theme::white(0.72);
+        QTest::newRow("1.99") << 1.99 << Theme::white(0.55);
+        QTest::newRow("0") << 0.0 << Theme::white(0.55);
+        QTest::newRow("not a number") << std::nan("") << Theme::white(0.55);
+    }
+    void kdaColor() {
+        QFETCH(double, kda);
+        QFETCH(QColor, color);
+        QCOMPARE(Theme::kda(kda), color);
+    }
+
+    void tierGradient_data() {
+        QTest::addColumn<QString>("tier");
+        QTest::addColumn<QColor>("light");
+        QTest::newRow("GOLD") << "GOLD" << QColor(231, 196, 90);
+        QTest::newRow("gold") << "gold" << QColor(231, 196, 90);
+        QTest::newRow("Challenger") << "Challenger" << QColor(111, 208, 255);
+        QTest::newRow("none") << "" << QColor(90, 90, 106);
+        QTest::newRow("unknown") << "WOOD" << QColor(90, 90, 106);
+    }
+    void tierGradient() {
+        QFETCH(QString, tier);
+        QFETCH(QColor, light);
+        QCOMPARE(Theme::tierPair(tier)[0], light);
+    }
+
+    void champGradient_data() {
+        QTest::addColumn<qint64>("seed");
+        QTest::addColumn<QColor>("light");
+        QTest::newRow("0") << qint64(0) << QColor(124, 58, 237);
+        QTest::newRow("7") << qint64(7) << QColor(10, 200, 185);
+        QTest::newRow("-7 uses its absolute value") << qint64(-7) << QColor(10, 200, 185);
+        QTest::newRow("-3") << qint64(-3) << QColor(231, 196, 90);
+        QTest::newRow("smallest 64-bit") << std::numeric_limits<qint64>::min() << QColor(224, 82, 78);
+    }
+    void champGradient() {
+        QFETCH(qint64, seed);
+        QFETCH(QColor, light);
+        QCOMPARE(Theme::champPair(seed)[0], light);
+    }
+
+    void nameHashIsStableAndSpreads() {
+        QCOMPARE(Theme::stableHash("Ahri"), Theme::stableHash(QString::fromLatin1("Ahri")));
+        QSet<int> buckets;
+        for (const char* name : {"Ahri", "Lux", "Jinx", "Thresh", "Yasuo", "Lee Sin", "Miss Fortune", "Ezreal"})
+            buckets.insert(int(Theme::stableHash(QString::fromLatin1(name)) % 6));
+        QVERIFY2(buckets.size() >= 3, "fallback colours should differ between champions");
+    }
+
+    void everySymbolHasAGlyphInTheBundledFont() {
+        Fonts::load();
+        QRawFont font(QStringLiteral(":/qt/qml/QuillFern/Theme/fonts/MaterialIcons-Regular.ttf"), 16);
+        QVERIFY(font.isValid());
+        const QStringList names = Symbols::names();
+        QVERIFY(names.size() >= 30);
+        for (const QString& name : names) {
+            const QString glyph = Symbols::glyphFor(name);
+            QCOMPARE(glyph.size(), 1);
+            QVERIFY2(font.supportsCharacter(glyph.at(0)), qPrintable(name));
+        }
+        QVERIFY(Symbols::glyphFor("no.such.symbol").isEmpty());
+    }
+
+    void interIsBundled() {
+        Fonts::load();
+        QVERIFY(QFontDatabase::families().contains("Inter"));
+        QVERIFY(QFontDatabase::families().contains(Symbols::fontFamily()));
+    }
+};
+
+QTEST_MAIN(TestTheme)
+#include "tst_theme.moc"
