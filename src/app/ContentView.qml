@@ -1,18 +1,13 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import QuillFern.App
+import QuillFern.Theme
 
 // Switches the whole window on the session phase.
 Item {
     id: root
 
-    Rectangle {
-        anchors.fill: parent
-        gradient: Gradient {
-            GradientStop { position: 0.0; color: "#1A1530" }
-            GradientStop { position: 1.0; color: "#0C0A18" }
-        }
-    }
+    Wallpaper { anchors.fill: parent }
 
     BusyIndicator {
         anchors.centerIn: parent
@@ -25,16 +20,9 @@ Item {
     Loader {
         anchors.fill: parent
         active: AppState.phase !== AppState.Loading
-        sourceComponent: AppState.phase === AppState.SignedIn ? signedIn : signedOut
+        sourceComponent: AppState.phase === AppState.SignedIn ? mainView : loginView
     }
 
-    Component {
-        id: signedOut
-        SignedOutPlaceholder {}
-    }
-
-    Component {
-        id: signedIn
-        SignedInPlaceholder {}
-    }
+    Component { id: loginView; LoginView {} }
+    Component { id: mainView; MainView {} }
 }

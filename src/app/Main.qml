@@ -11,6 +11,7 @@ ApplicationWindow {
     visible: true
     title: "Quill Fern"
     color: "#0C0A18"
+    font.family: "Inter"
 
     // Always dark, with the gold accent.
     palette.window: "#0C0A18"

@@ -4,8 +4,15 @@
 #include "archive/sync_engine.h"
 #include "backend/app_config.h"
 #include "backend/backend_error.h"
+#include "league_client/client_import.h"
+#include "league_client/league_sign_in.h"
 
 #include <QJSEngine>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QNetworkRequest>
+#include <QCoro/QCoroNetworkReply>
+#include <memory>
 #include <QSettings>
 
 namespace {
@@ -35,7 +42,8 @@ QString describe(const std::exception_ptr& error) {
 } // namespace
 
 AppState::AppState(QSettings& settings, QNetworkAccessManager& network, QObject* parent)
-    : QObject(parent), m_settings(settings), m_client(network, AppConfig::backendBaseURL(settings)) {}
+    : QObject(parent), m_settings(settings), m_client(network, AppConfig::backendBaseURL(settings)),
+      m_network(network), m_ddragon(DDragon::fromSettings(settings)) {}
 
 AppState::~AppState() {
     if (s_qmlInstance == this)
@@ -65,6 +73,7 @@ void AppState::startTask(QCoro::Task<> task) {
 
 void AppState::bootstrap(ArchiveStore* context) {
     m_context = context;
+    Q_EMIT contextChanged();
     startTask(loadStaticVersion());
 
     const QVariant token = m_settings.value(QLatin1String(authTokenKey));
@@ -93,8 +102,12 @@ QCoro::Task<> AppState::login(QString email, QString password) {
 }
 
 QCoro::Task<> AppState::loginWithLeague() {
-    // Signing in with the running League client's identity arrives with the client bridge.
-    co_return;
+    // The client's identity is read inside the call, so a missing client ends in handle()
+    // before anything reaches the backend.
+    BackendClient* client = &m_client;
+    LCUDiscovery::Sources sources = m_lcuSources;
+    AuthCall call = [client, sources] { return LeagueSignIn::signIn(sources, *client); };
+    co_await authenticate(std::move(call));
 }
 
 QCoro::Task<> AppState::authenticate(AuthCall call) {
@@ -167,9 +180,11 @@ void AppState::requestSync() {
 }
 
 QCoro::Task<> AppState::importFromClient() {
-    // Reading games from the League client arrives with the client bridge; a sync without it
-    // simply pulls the cloud archive.
-    co_return;
+    // Every outcome, a missing client included, is only a status line: the pull goes on.
+    LCUClient lcu(m_lcuSources);
+    ClientImport clientImport(lcu, m_client, m_settings);
+    const QString status = co_await clientImport.run();
+    setLcuStatus(status);
 }
 
 QCoro::Task<> AppState::loadDuos() {
@@ -213,6 +228,41 @@ QCoro::Task<> AppState::loadStaticVersion() {
         }
     } catch (...) {
     }
+    co_await loadChampionMap();
+}
+
+QCoro::Task<> AppState::loadChampionMap() {
+    const QUrl url = m_ddragon.championList(m_staticVersion);
+    if (!url.isValid())
+        co_return;
+    QNetworkRequest request(url);
+    request.setTransferTimeout(60000);
+    std::unique_ptr<QNetworkReply, void (*)(QNetworkReply*)> reply(m_network.get(request),
+                                                                 [](QNetworkReply* r) { r->deleteLater(); });
+    co_await reply.get();
+    if (reply->error() != QNetworkReply::NoError)
+        co_return;
+    // Best effort: a list that cannot be read leaves the names already known.
+    if (auto champions = DDragon::parseChampionList(reply->readAll())) {
+        m_championsById = std::move(*champions);
+        Q_EMIT championsByIdChanged();
+    }
+}
+
+QCoro::Task<> AppState::addRiotAccount(QString riotId) {
+    setErrorMessage(std::nullopt);
+    bool linked = false;
+    try {
+        const QString platform = QStringLiteral("euw1");
+        (void)co_await m_client.addRiotAccount(riotId, platform);
+        linked = true;
+    } catch (...) {
+        handle(std::current_exception());
+    }
+    if (!linked)
+        co_return;
+    co_await refreshAccounts();
+    co_await sync();
 }
 
 void AppState::handle(std::exception_ptr error) {
@@ -248,6 +298,13 @@ void AppState::setSyncing(bool syncing) {
 void AppState::setRiotAccounts(QList<RiotAccountDTO> accounts) {
     m_riotAccounts = std::move(accounts);
     Q_EMIT riotAccountsChanged();
+}
+
+void AppState::setLcuStatus(std::optional<QString> status) {
+    if (m_lcuStatus == status)
+        return;
+    m_lcuStatus = std::move(status);
+    Q_EMIT lcuStatusChanged();
 }
 
 QVariant AppState::lastSyncedMatchesValue() const {

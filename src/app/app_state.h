@@ -2,6 +2,8 @@
 
 #include "backend/account_records.h"
 #include "backend/backend_client.h"
+#include "league_client/lcu_discovery.h"
+#include "game_data/ddragon.h"
 
 #include <QHash>
 #include <QObject>
@@ -62,9 +64,13 @@ public:
     [[nodiscard]] const QSet<QString>& friendGameNames() const { return m_friendGameNames; }
     [[nodiscard]] const QHash<QString, QString>& friendNames() const { return m_friendNames; }
     [[nodiscard]] const std::optional<QString>& lcuStatus() const { return m_lcuStatus; }
+    // Where the League client is looked for: its real lockfiles and process list unless a test
+    // aims the state elsewhere.
+    void setLeagueClientSources(LCUDiscovery::Sources sources) { m_lcuSources = std::move(sources); }
     [[nodiscard]] ArchiveStore* context() const { return m_context; }
     [[nodiscard]] BackendClient& client() { return m_client; }
     [[nodiscard]] QSettings& settings() { return m_settings; }
+    [[nodiscard]] const DDragon& ddragon() const { return m_ddragon; }
 
     // Keeps the store, loads static data and restores the stored session; returns at once.
     void bootstrap(ArchiveStore* context);
@@ -78,9 +84,15 @@ public:
     QCoro::Task<> importFromClient();
     QCoro::Task<> loadDuos();
     QCoro::Task<> loadStaticVersion();
+    QCoro::Task<> loadChampionMap();
+    // Links a Riot account typed as Name#TAG, then refreshes the accounts and syncs.
+    QCoro::Task<> addRiotAccount(QString riotId);
 
     // Starts a sync from the user interface without waiting for it.
     Q_INVOKABLE void requestSync();
+    // Runs a task to its end without waiting for it, counted by hasRunningTasks().
+    void startTask(QCoro::Task<> task);
+    void clearErrorMessage() { setErrorMessage(std::nullopt); }
 
     // True while a task started by the state object itself (not by a caller) is running.
     [[nodiscard]] bool hasRunningTasks() const { return m_runningTasks > 0; }
@@ -97,6 +109,7 @@ Q_SIGNALS:
     void friendsChanged();
     void lcuStatusChanged();
     void tasksFinished();
+    void contextChanged();
 
 private:
     using AuthCall = std::function<QCoro::Task<AuthResponse>()>;
@@ -104,12 +117,12 @@ private:
     QCoro::Task<> authenticate(AuthCall call);
     void handle(std::exception_ptr error);
     void applyDuos(const QList<DuoDTO>& duos);
-    void startTask(QCoro::Task<> task);
 
     void setPhase(Phase phase);
     void setErrorMessage(std::optional<QString> message);
     void setSyncing(bool syncing);
     void setRiotAccounts(QList<RiotAccountDTO> accounts);
+    void setLcuStatus(std::optional<QString> status);
 
     [[nodiscard]] QString errorMessageText() const { return m_errorMessage.value_or(QString()); }
     [[nodiscard]] bool hasError() const { return m_errorMessage.has_value(); }
@@ -118,6 +131,8 @@ private:
 
     QSettings& m_settings;
     BackendClient m_client;
+    QNetworkAccessManager& m_network;
+    DDragon m_ddragon;
     ArchiveStore* m_context = nullptr;
 
     Phase m_phase = Phase::Loading;
@@ -132,6 +147,7 @@ private:
     QSet<QString> m_friendGameNames;
     QHash<QString, QString> m_friendNames;
     std::optional<QString> m_lcuStatus;
+    LCUDiscovery::Sources m_lcuSources = LCUDiscovery::Sources::system();
 
     int m_runningTasks = 0;
 

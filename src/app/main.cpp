@@ -1,6 +1,9 @@
 #include "app/app_state.h"
 #include "archive/archive_store.h"
 #include "archive/store_error.h"
+#include "theme/fonts.h"
+#include "theme/game_images.h"
+#include "theme/image_cache.h"
 
 #include <QGuiApplication>
 #include <QNetworkAccessManager>
@@ -13,6 +16,7 @@
 #include <memory>
 
 Q_IMPORT_QML_PLUGIN(QuillFern_AppPlugin)
+Q_IMPORT_QML_PLUGIN(QuillFern_ThemePlugin)
 
 int main(int argc, char* argv[]) {
     QGuiApplication app(argc, argv);
@@ -20,6 +24,7 @@ int main(int argc, char* argv[]) {
     QGuiApplication::setApplicationName(QStringLiteral("QuillFern"));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Quill Fern"));
     QQuickStyle::setStyle(QStringLiteral("Basic"));
+    Fonts::load();
 
     std::unique_ptr<ArchiveStore> store;
     try {
@@ -34,7 +39,15 @@ int main(int argc, char* argv[]) {
     AppState state(settings, *network);
     AppState::exposeToQml(&state);
 
+    GameImages images(state.ddragon());
+    images.setVersion(state.staticVersion());
+    QObject::connect(&state, &AppState::staticVersionChanged, &images,
+                     [&images, &state] { images.setVersion(state.staticVersion()); });
+    GameImages::exposeToQml(&images);
+
+    ImageCacheFactory imageCache;
     QQmlApplicationEngine engine;
+    engine.setNetworkAccessManagerFactory(&imageCache);
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     engine.load(QUrl(QStringLiteral("qrc:/qt/qml/QuillFern/App/Main.qml")));
     if (engine.rootObjects().isEmpty())

@@ -14,6 +14,7 @@
 #include <QtQml/QQmlExtensionPlugin>
 
 Q_IMPORT_QML_PLUGIN(QuillFern_AppPlugin)
+Q_IMPORT_QML_PLUGIN(QuillFern_ThemePlugin)
 
 namespace {
 

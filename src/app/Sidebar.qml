@@ -1,0 +1,177 @@
+import QtQuick
+import QtQuick.Layouts
+import QuillFern.App
+import QuillFern.Theme
+
+// The section list with the account card on top and the sync banner at the bottom.
+Item {
+    id: root
+    property int selection: NavSection.Overview
+    required property SidebarModel model
+    signal select(int section)
+
+    Rectangle {
+        anchors.fill: parent
+        color: Qt.rgba(Theme.glassDark.r, Theme.glassDark.g, Theme.glassDark.b, 0.62)
+    }
+    Rectangle {
+        anchors.right: parent.right
+        width: 1
+        height: parent.height
+        color: Qt.rgba(1, 1, 1, 0.08)
+    }
+
+    ColumnLayout {
+        anchors.fill: parent
+        anchors.margins: 12
+        spacing: 6
+
+        Item { Layout.preferredHeight: 30 - parent.anchors.margins; Layout.fillWidth: true }
+
+        // Account card.
+        Rectangle {
+            Layout.fillWidth: true
+            Layout.preferredHeight: 58
+            radius: 12
+            color: cardArea.containsMouse ? Qt.rgba(1, 1, 1, 0.07) : Qt.rgba(1, 1, 1, 0.04)
+            RowLayout {
+                anchors.fill: parent
+                anchors.margins: 10
+                spacing: 10
+                SummonerAvatar {
+                    size: 38
+                    iconId: root.model.avatarIconId
+                    fallbackChampion: root.model.avatarChampion
+                }
+                ColumnLayout {
+                    Layout.fillWidth: true
+                    spacing: 2
+                    Text {
+                        Layout.fillWidth: true
+                        text: root.model.accountName
+                        color: Theme.text
+                        font.family: Theme.fontFamily
+                        font.pixelSize: 13
+                        font.weight: Font.DemiBold
+                        elide: Text.ElideRight
+                    }
+                    Text {
+                        Layout.fillWidth: true
+                        text: root.model.rankLine
+                        color: Theme.gold
+                        font.family: Theme.fontFamily
+                        font.pixelSize: 11
+                        font.weight: Font.Medium
+                        elide: Text.ElideRight
+                    }
+                }
+            }
+            MouseArea {
+                id: cardArea
+                anchors.fill: parent
+                hoverEnabled: true
+                cursorShape: Qt.PointingHandCursor
+                onClicked: root.select(NavSection.Overview)
+            }
+        }
+
+        SectionLabel {
+            text: "Menu"
+            Layout.topMargin: 12
+            Layout.leftMargin: 6
+            Layout.bottomMargin: 2
+        }
+
+        Repeater {
+            model: NavSection.count
+            NavButton {
+                required property int index
+                Layout.fillWidth: true
+                item: index
+                isSelected: root.selection === index
+                onAction: root.select(index)
+            }
+        }
+
+        Item { Layout.fillHeight: true }
+
+        // Sync banner.
+        ColumnLayout {
+            Layout.fillWidth: true
+            spacing: 8
+            RowLayout {
+                spacing: 8
+                Rectangle {
+                    width: 7; height: 7; radius: 3.5
+                    color: Theme.win
+                    Rectangle {
+                        anchors.centerIn: parent
+                        width: 15; height: 15; radius: 7.5
+                        color: Qt.rgba(Theme.win.r, Theme.win.g, Theme.win.b, 0.25)
+                    }
+                }
+                Text {
+                    text: root.model.archivedCount + " games archived"
+                    color: "white"
+                    font.family: Theme.fontFamily
+                    font.pixelSize: 12
+                    font.weight: Font.Bold
+                }
+            }
+            Text {
+                Layout.fillWidth: true
+                visible: AppState.lcuStatus.length > 0
+                text: AppState.lcuStatus
+                color: Theme.textDim
+                font.family: Theme.fontFamily
+                font.pixelSize: 10
+                elide: Text.ElideRight
+            }
+            Rectangle {
+                Layout.fillWidth: true
+                Layout.preferredHeight: 32
+                radius: 8
+                color: Qt.rgba(Theme.gold.r, Theme.gold.g, Theme.gold.b, syncArea.containsMouse && !AppState.isSyncing ? 0.24 : 0.16)
+                Row {
+                    anchors.centerIn: parent
+                    spacing: 6
+                    Symbol {
+                        id: syncSymbol
+                        name: "arrow.clockwise"
+                        size: 13
+                        color: Theme.goldBright
+                        RotationAnimator on rotation {
+                            running: AppState.isSyncing
+                            from: 0; to: 360
+                            duration: 1000
+                            loops: Animation.Infinite
+                            easing.type: Easing.Linear
+                        }
+                        // Back to rest when the sync ends.
+                        Behavior on rotation { enabled: !AppState.isSyncing; NumberAnimation { duration: 250 } }
+                        Connections {
+                            target: AppState
+                            function onIsSyncingChanged() { if (!AppState.isSyncing) syncSymbol.rotation = 0 }
+                        }
+                    }
+                    Text {
+                        anchors.verticalCenter: parent.verticalCenter
+                        text: AppState.isSyncing ? "Syncing…" : "Sync now"
+                        color: Theme.goldBright
+                        font.family: Theme.fontFamily
+                        font.pixelSize: 11
+                        font.weight: Font.DemiBold
+                    }
+                }
+                MouseArea {
+                    id: syncArea
+                    anchors.fill: parent
+                    hoverEnabled: true
+                    enabled: !AppState.isSyncing
+                    cursorShape: enabled ? Qt.PointingHandCursor : Qt.ArrowCursor
+                    onClicked: AppState.requestSync()
+                }
+            }
+        }
+    }
+}

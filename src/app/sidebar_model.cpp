@@ -1,0 +1,96 @@
+#include "app/sidebar_model.h"
+
+#include "app/app_state.h"
+#include "archive/archive_store.h"
+#include "game_data/rank_math.h"
+#include "game_data/stats.h"
+
+#include <algorithm>
+
+void SidebarModel::setAppState(AppState* state) {
+    if (m_state == state)
+        return;
+    if (m_state)
+        disconnect(m_state, nullptr, this, nullptr);
+    m_state = state;
+    if (m_state) {
+        connect(m_state, &AppState::riotAccountsChanged, this, &SidebarModel::recompute);
+        connect(m_state, &AppState::contextChanged, this, &SidebarModel::attachStore);
+    }
+    attachStore();
+    Q_EMIT appStateChanged();
+}
+
+void SidebarModel::attachStore() {
+    ArchiveStore* store = m_state ? m_state->context() : nullptr;
+    if (m_store != store) {
+        if (m_store)
+            disconnect(m_store, nullptr, this, nullptr);
+        m_store = store;
+        if (m_store)
+            connect(m_store, &ArchiveStore::changed, this, &SidebarModel::recompute);
+    }
+    recompute();
+}
+
+QString SidebarModel::accountNameOf(const QList<RiotAccountDTO>& accounts) {
+    const QString riotId = accounts.isEmpty() ? QString() : accounts.first().riotId();
+    return riotId.isEmpty() ? QStringLiteral("Summoner") : riotId;
+}
+
+QString SidebarModel::toolbarAccountOf(const QList<RiotAccountDTO>& accounts) {
+    return accounts.isEmpty() ? QStringLiteral("Account") : accounts.first().riotId();
+}
+
+QSet<QString> SidebarModel::ownersOf(const QList<RiotAccountDTO>& accounts) {
+    QSet<QString> owners;
+    for (const RiotAccountDTO& account : accounts)
+        owners.insert(account.puuid);
+    return owners;
+}
+
+const LocalRankSnapshot* SidebarModel::soloOf(const std::vector<const LocalRankSnapshot*>& snapshots) {
+    // Newest first; a snapshot without a capture time sorts last.
+    std::vector<const LocalRankSnapshot*> newestFirst = snapshots;
+    std::stable_sort(newestFirst.begin(), newestFirst.end(), [](const LocalRankSnapshot* a, const LocalRankSnapshot* b) {
+        const qint64 ta = a->capturedAt ? a->capturedAt->toMSecsSinceEpoch() : std::numeric_limits<qint64>::min();
+        const qint64 tb = b->capturedAt ? b->capturedAt->toMSecsSinceEpoch() : std::numeric_limits<qint64>::min();
+        return ta > tb;
+    });
+    for (const LocalRankSnapshot* snapshot : newestFirst)
+        if (snapshot->queue == QLatin1String("RANKED_SOLO_5x5"))
+            return snapshot;
+    return newestFirst.empty() ? nullptr : newestFirst.front();
+}
+
+QString SidebarModel::rankLineOf(const LocalRankSnapshot* solo) {
+    if (!solo || !solo->tier)
+        return QStringLiteral("Unranked");
+    return RankMath::label(solo->tier, solo->division) + QStringLiteral(" · ") + QString::number(solo->lp) +
+           QStringLiteral(" LP");
+}
+
+void SidebarModel::recompute() {
+    const QList<RiotAccountDTO> accounts = m_state ? m_state->riotAccounts() : QList<RiotAccountDTO>();
+    m_accountName = accountNameOf(accounts);
+    m_toolbarAccount = toolbarAccountOf(accounts);
+    m_hasAccounts = !accounts.isEmpty();
+    m_avatarIconId = !accounts.isEmpty() && accounts.first().profileIconId ? int(*accounts.first().profileIconId) : -1;
+
+    if (m_store) {
+        m_archivedCount = int(m_store->matches().count());
+        m_rankLine = rankLineOf(soloOf(m_store->rankSnapshots().all()));
+        const QSet<QString> owners = ownersOf(accounts);
+        std::vector<const LocalParticipant*> mine;
+        for (const LocalParticipant* p : m_store->participants().all())
+            if (owners.contains(p->puuid))
+                mine.push_back(p);
+        const auto champions = Stats::champions(mine);
+        m_avatarChampion = champions.empty() ? QString() : champions.front().name;
+    } else {
+        m_archivedCount = 0;
+        m_rankLine = rankLineOf(nullptr);
+        m_avatarChampion.clear();
+    }
+    Q_EMIT changed();
+}

@@ -1,0 +1,242 @@
+#include "app/account_link_form.h"
+#include "app/app_state.h"
+#include "app/login_form.h"
+#include "app/nav_section.h"
+#include "app/sidebar_model.h"
+#include "archive/archive_store.h"
+#include "support/archive_json.h"
+#include "support/fake_backend.h"
+#include "support/task_result.h"
+#include "support/test_settings.h"
+
+#include <QNetworkAccessManager>
+#include <QTest>
+
+using namespace ArchiveJson;
+
+class TestForms : public QObject {
+    Q_OBJECT
+
+    QNetworkAccessManager m_network;
+    std::unique_ptr<FakeBackend> m_backend;
+    std::unique_ptr<TestSettings> m_settings;
+    std::unique_ptr<ArchiveStore> m_store;
+    std::unique_ptr<AppState> m_state;
+    QTemporaryDir m_dir;
+
+    void waitIdle() { QTRY_VERIFY_WITH_TIMEOUT(!m_state->hasRunningTasks(), 10000); }
+
+private Q_SLOTS:
+    void init() {
+        m_state.reset();
+        m_store.reset();
+        m_backend = std::make_unique<FakeBackend>();
+        m_settings = std::make_unique<TestSettings>();
+        (*m_settings)->setValue("backendBaseURL", m_backend->baseUrl().toString());
+        (*m_settings)->setValue("quill.cdnBaseURL", m_backend->baseUrl().toString() + "/cdn/");
+        const QString path = m_dir.filePath(QStringLiteral("%1.sqlite").arg(QTest::currentTestFunction()));
+        QFile::remove(path);
+        m_store = std::make_unique<ArchiveStore>(path);
+        m_state = std::make_unique<AppState>(**m_settings, m_network);
+        m_backend->on("POST", "/api/auth/login", FakeResponse::json(auth()));
+        m_backend->on("POST", "/api/riot-accounts/refresh", FakeResponse::json(riotAccounts({riotAccount(1, "me")})));
+        m_backend->on("GET", "/api/riot-accounts", FakeResponse::json(riotAccounts({riotAccount(1, "me")})));
+        m_backend->on("GET", "/api/sync", FakeResponse::json(page({})));
+        m_backend->on("GET", "/api/stats/duos", FakeResponse::json({{"duos", QJsonArray{}}}));
+    }
+    void cleanup() {
+        if (m_state)
+            waitIdle();
+    }
+
+    void submitNeedsEmailAndEightCharacters_data() {
+        QTest::addColumn<QString>("email");
+        QTest::addColumn<QString>("password");
+        QTest::addColumn<bool>("enabled");
+        QTest::newRow("8 characters") << "a@b.c" << "12345678" << true;
+        QTest::newRow("7 characters") << "a@b.c" << "1234567" << false;
+        QTest::newRow("no e-mail") << "" << "12345678" << false;
+        QTest::newRow("spaces count as typed") << " " << "        " << true;
+        QTest::newRow("e-mail form is not checked") << "not-an-email" << "12345678" << true;
+    }
+    void submitNeedsEmailAndEightCharacters() {
+        QFETCH(QString, email);
+        QFETCH(QString, password);
+        QFETCH(bool, enabled);
+        m_state->bootstrap(m_store.get());
+        LoginForm form;
+        form.setAppState(m_state.get());
+        form.setEmail(email);
+        form.setPassword(password);
+        QCOMPARE(form.canSubmit(), enabled);
+        form.submit();
+        QCOMPARE(form.busy(), enabled);
+        waitIdle();
+        QCOMPARE(m_backend->requestsTo("/api/auth/login").size(), enabled ? 1 : 0);
+        QVERIFY(!form.busy());
+    }
+
+    void secondReturnWhileBusySendsNothing() {
+        m_state->bootstrap(m_store.get());
+        LoginForm form;
+        form.setAppState(m_state.get());
+        form.setEmail("a@b.c");
+        form.setPassword("password1");
+        form.submit();
+        form.submit();
+        QVERIFY(!form.canUseLeague()); // the League button waits for the e-mail sign-in
+        waitIdle();
+        QCOMPARE(m_backend->requestsTo("/api/auth/login").size(), 1);
+        QCOMPARE(m_state->phase(), AppState::Phase::SignedIn);
+    }
+
+    void toggleClearsErrorKeepsFields() {
+        m_backend->on("POST", "/api/auth/login", FakeResponse::text(403, "wrong password"));
+        m_state->bootstrap(m_store.get());
+        LoginForm form;
+        form.setAppState(m_state.get());
+        form.setEmail("a@b.c");
+        form.setPassword("password1");
+        form.submit();
+        waitIdle();
+        QCOMPARE(m_state->errorMessage(), std::optional<QString>("Server error 403. wrong password"));
+        QCOMPARE(form.submitLabel(), QStringLiteral("Sign in"));
+        QCOMPARE(form.toggleLabel(), QStringLiteral("New here? Create an account"));
+        form.toggleMode();
+        QVERIFY(!m_state->errorMessage());
+        QVERIFY(form.isRegistering());
+        QCOMPARE(form.submitLabel(), QStringLiteral("Create account"));
+        QCOMPARE(form.toggleLabel(), QStringLiteral("Have an account? Sign in"));
+        QCOMPARE(form.email(), QStringLiteral("a@b.c"));
+        QCOMPARE(form.password(), QStringLiteral("password1"));
+    }
+
+    void riotIdTrimming_data() {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("sent"); // empty: nothing is sent
+        QTest::newRow("spaces and tabs") << " \tAda#EUW \t " << "Ada#EUW";
+        QTest::newRow("inner space kept") << "  Ada Lovelace#EUW" << "Ada Lovelace#EUW";
+        QTest::newRow("line break kept") << "Ada#EUW\n" << "Ada#EUW\n";
+        QTest::newRow("spaces only") << "   " << "";
+    }
+    void riotIdTrimming() {
+        QFETCH(QString, typed);
+        QFETCH(QString, sent);
+        m_backend->on("POST", "/api/riot-accounts", FakeResponse::json({{"riot_account", riotAccount(2, "p2")}}));
+        m_state->bootstrap(m_store.get());
+        m_state->client().setAuthToken(QStringLiteral("t"));
+        AccountLinkForm form;
+        form.setAppState(m_state.get());
+        form.setRiotId(typed);
+        QVERIFY(form.canAdd()); // any text enables the button
+        form.add();
+        if (!sent.isEmpty())
+            QVERIFY(form.riotId().isEmpty()); // cleared before the backend answers
+        waitIdle();
+        const auto links = m_backend->requestsTo("/api/riot-accounts");
+        const auto posts = std::count_if(links.begin(), links.end(), [](const RecordedRequest& r) { return r.method == "POST"; });
+        if (sent.isEmpty()) {
+            QCOMPARE(posts, 0);
+            QCOMPARE(form.riotId(), typed);
+            return;
+        }
+        QCOMPARE(posts, 1);
+        QCOMPARE(links.first().json(), (QJsonObject{{"riot_id", sent}, {"platform", "euw1"}}));
+        // The account list is fetched again and a sync follows.
+        QCOMPARE(links.last().method, QByteArray("GET"));
+        QCOMPARE(m_backend->requestsTo("/api/sync").size(), 1);
+    }
+
+    void failedLinkShowsErrorWithoutSync() {
+        m_backend->on("POST", "/api/riot-accounts", FakeResponse::text(404, "Riot ID not found"));
+        m_state->bootstrap(m_store.get());
+        AccountLinkForm form;
+        form.setAppState(m_state.get());
+        form.setRiotId("Nobody#000");
+        form.add();
+        waitIdle();
+        QCOMPARE(m_state->errorMessage(), std::optional<QString>("Server error 404. Riot ID not found"));
+        QVERIFY(m_backend->requestsTo("/api/sync").isEmpty());
+    }
+
+    void navSections() {
+        QCOMPARE(NavSection::count(), 7);
+        QCOMPARE(NavSection::titleOf(NavSection::History), QStringLiteral("Match History"));
+        QCOMPARE(NavSection::fromTitle("Match History"), std::optional(NavSection::History));
+        QCOMPARE(NavSection::fromTitle("Overlay"), std::optional(NavSection::Overlay));
+        QVERIFY(!NavSection::fromTitle("match history"));
+        QVERIFY(!NavSection::fromTitle("Settings"));
+    }
+
+    void sidebarRankLine_data() {
+        QTest::addColumn<QJsonArray>("snapshots");
+        QTest::addColumn<QString>("line");
+        QJsonObject noTier = snapshot(3, 1, "RANKED_SOLO_5x5");
+        noTier["tier"] = QJsonValue::Null;
+        QJsonObject olderSolo = snapshot(4, 1, "RANKED_SOLO_5x5", "SILVER", 12);
+        olderSolo["captured_at"] = "2025-01-01T00:00:00Z";
+        QJsonObject newerFlex = snapshot(5, 1, "RANKED_FLEX_SR", "PLATINUM", 77);
+        newerFlex["captured_at"] = "2025-06-01T00:00:00Z";
+        QTest::newRow("no snapshots") << QJsonArray{} << "Unranked";
+        QTest::newRow("flex only falls back") << QJsonArray{snapshot(1, 1, "RANKED_FLEX_SR", "GOLD", 50)} << "Gold II · 50 LP";
+        QTest::newRow("solo without tier") << QJsonArray{noTier} << "Unranked";
+        QTest::newRow("older solo beats newer flex") << QJsonArray{olderSolo, newerFlex} << "Silver II · 12 LP";
+    }
+    void sidebarRankLine() {
+        QFETCH(QJsonArray, snapshots);
+        QFETCH(QString, line);
+        std::vector<std::unique_ptr<LocalRankSnapshot>> owned;
+        std::vector<const LocalRankSnapshot*> list;
+        for (const QJsonValue& json : snapshots) {
+            owned.push_back(std::make_unique<LocalRankSnapshot>(RankSnapshotDTO::decode(JsonReader(json.toObject()))));
+            list.push_back(owned.back().get());
+        }
+        QCOMPARE(SidebarModel::rankLineOf(SidebarModel::soloOf(list)), line);
+    }
+
+    void sidebarWithoutAccounts() {
+        m_backend->on("GET", "/api/sync", FakeResponse::json(page({match(1), match(2)}, {participant(10, 1, "me", "Lux")})));
+        m_state->bootstrap(m_store.get());
+        SidebarModel model;
+        model.setAppState(m_state.get());
+        QCOMPARE(model.accountName(), QStringLiteral("Summoner"));
+        QCOMPARE(model.toolbarAccount(), QStringLiteral("Account"));
+        QCOMPARE(model.rankLine(), QStringLiteral("Unranked"));
+        QCOMPARE(model.archivedCount(), 0);
+
+        // Signing in links the account and the sync raises the count as pages are saved.
+        runTask(m_state->login("a@b.c", "password1"));
+        QCOMPARE(model.archivedCount(), 2);
+        QCOMPARE(model.accountName(), QStringLiteral("Ada#EUW"));
+        QCOMPARE(model.toolbarAccount(), QStringLiteral("Ada#EUW"));
+        QCOMPARE(model.avatarChampion(), QStringLiteral("Lux"));
+        QCOMPARE(model.avatarIconId(), 4568);
+    }
+
+    void staticDataWithTheBackendDown() {
+        quint16 cdnPort = m_backend->port();
+        m_backend->on("GET", "/cdn/16.11.1/data/en_US/champion.json",
+                      FakeResponse{200, R"({"data":{"Ahri":{"key":"103","id":"Ahri"},"X":{"key":"x1","id":"X"}}})", {}});
+        m_backend->on("GET", "/api/static/version", FakeResponse::text(503, "down"));
+        m_state->bootstrap(m_store.get());
+        waitIdle();
+        QCOMPARE(m_state->staticVersion(), QStringLiteral("16.11.1"));
+        QCOMPARE(m_state->championsById().size(), 1);
+        QCOMPARE(m_state->championsById().value(103), QStringLiteral("Ahri"));
+        QVERIFY(!m_state->errorMessage());
+        QVERIFY(cdnPort > 0);
+    }
+
+    void staticVersionFromTheBackendPicksTheList() {
+        m_backend->on("GET", "/api/static/version", FakeResponse::json({{"version", "16.12.1"}}));
+        m_backend->on("GET", "/cdn/16.12.1/data/en_US/champion.json",
+                      FakeResponse{200, R"({"data":{"Lux":{"key":"99","id":"Lux"}}})", {}});
+        m_state->bootstrap(m_store.get());
+        waitIdle();
+        QCOMPARE(m_state->staticVersion(), QStringLiteral("16.12.1"));
+        QCOMPARE(m_state->championsById().value(99), QStringLiteral("Lux"));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestForms)
+#include "tst_forms.moc"

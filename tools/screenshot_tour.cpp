@@ -1,0 +1,177 @@
+// Renders every screen of the app with a prepared archive, headless, one PNG per screen:
+//   screenshot_tour OUTPUT_FOLDER [GAMES]
+// Run it under QT_QPA_PLATFORM=offscreen (scripts/tour does). The archive comes from the
+// synthetic generator; a loopback fake backend answers the few calls a start-up makes.
+
+#include "app/app_state.h"
+#include "archive/archive_store.h"
+#include "support/fake_backend.h"
+#include "synthetic_archive.h"
+#include "theme/fonts.h"
+#include "theme/game_images.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QJsonArray>
+#include <QNetworkAccessManager>
+#include <QQmlApplicationEngine>
+#include <QQuickItem>
+#include <QQuickStyle>
+#include <QQuickWindow>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QtQml/QQmlExtensionPlugin>
+#include <cstdio>
+#include <functional>
+
+Q_IMPORT_QML_PLUGIN(QuillFern_AppPlugin)
+Q_IMPORT_QML_PLUGIN(QuillFern_ThemePlugin)
+
+namespace {
+
+QJsonObject accountJson(const RiotAccountDTO& a) {
+    QJsonObject json{{"id", a.id}, {"puuid", a.puuid}, {"platform", a.platform}, {"region", a.region}};
+    if (a.gameName) json.insert("game_name", *a.gameName);
+    if (a.tagLine) json.insert("tag_line", *a.tagLine);
+    if (a.profileIconId) json.insert("profile_icon_id", *a.profileIconId);
+    if (a.summonerLevel) json.insert("summoner_level", *a.summonerLevel);
+    return json;
+}
+
+void settle(int ms) {
+    QElapsedTimer timer;
+    timer.start();
+    while (timer.elapsed() < ms)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+}
+
+bool waitUntil(const std::function<bool()>& done, int ms = 15000) {
+    QElapsedTimer timer;
+    timer.start();
+    while (!done() && timer.elapsed() < ms)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    return done();
+}
+
+// One run of the app on its own settings and archive.
+struct Scene {
+    QTemporaryDir dir;
+    FakeBackend backend;
+    std::unique_ptr<QSettings> settings;
+    QNetworkAccessManager network;
+    std::unique_ptr<ArchiveStore> store;
+    std::unique_ptr<AppState> state;
+    std::unique_ptr<GameImages> images;
+    std::unique_ptr<QQmlApplicationEngine> engine;
+    QQuickWindow* window = nullptr;
+
+    Scene(const SyntheticArchive* archive, bool signedIn) {
+        settings = std::make_unique<QSettings>(dir.filePath("settings.ini"), QSettings::IniFormat);
+        settings->setValue("backendBaseURL", backend.baseUrl().toString());
+        // Images come from a CDN this machine may not reach: point it at the loopback backend so
+        // the fallbacks show at once instead of after a time-out.
+        settings->setValue("quill.cdnBaseURL", backend.baseUrl().toString() + "/cdn/");
+        settings->setValue("quill.mirrorVersion", 5);
+        if (signedIn)
+            settings->setValue("authToken", "tour-token");
+        QJsonArray accounts;
+        if (archive)
+            for (const RiotAccountDTO& account : archive->ownerAccounts())
+                accounts.append(accountJson(account));
+        backend.on("POST", "/api/riot-accounts/refresh", FakeResponse::json({{"riot_accounts", accounts}}));
+        backend.on("GET", "/api/riot-accounts", FakeResponse::json({{"riot_accounts", accounts}}));
+        backend.on("GET", "/api/sync", FakeResponse::json({{"matches", QJsonArray{}}, {"participants", QJsonArray{}},
+                                                           {"rank_snapshots", QJsonArray{}},
+                                                           {"performance_scores", QJsonArray{}}, {"has_more", false}}));
+        backend.on("GET", "/api/stats/duos", FakeResponse::json({{"duos", QJsonArray{}}}));
+        backend.on("GET", "/api/static/version", FakeResponse::json({{"version", "16.11.1"}}));
+
+        store = std::make_unique<ArchiveStore>(dir.filePath("archive.sqlite"));
+        if (archive)
+            archive->fill(*store);
+        state = std::make_unique<AppState>(*settings, network);
+        AppState::exposeToQml(state.get());
+        images = std::make_unique<GameImages>(state->ddragon());
+        GameImages::exposeToQml(images.get());
+
+        engine = std::make_unique<QQmlApplicationEngine>();
+        engine->addImportPath("qrc:/qt/qml");
+        engine->load(QUrl("qrc:/qt/qml/QuillFern/App/Main.qml"));
+        window = qobject_cast<QQuickWindow*>(engine->rootObjects().value(0));
+        if (window)
+            window->resize(1280, 800);
+        state->bootstrap(store.get());
+        waitUntil([this] { return !state->hasRunningTasks(); });
+        settle(400);
+    }
+
+    ~Scene() {
+        engine.reset();
+        GameImages::exposeToQml(nullptr);
+        images.reset();
+        state.reset();
+    }
+
+    // Finds the MainView and selects a section, as a click in the sidebar would.
+    void select(int section) {
+        if (!window)
+            return;
+        const auto items = window->contentItem()->findChildren<QQuickItem*>();
+        for (QQuickItem* item : items) {
+            if (QString::fromLatin1(item->metaObject()->className()).startsWith("MainView")) {
+                item->setProperty("selection", section);
+                break;
+            }
+        }
+        settle(300);
+    }
+
+    bool shoot(const QString& path) {
+        if (!window)
+            return false;
+        const QImage image = window->grabWindow();
+        const bool ok = !image.isNull() && image.save(path);
+        std::printf("%s %s\n", ok ? "wrote" : "FAILED", qPrintable(path));
+        return ok;
+    }
+};
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+    QGuiApplication app(argc, argv);
+    if (argc < 2) {
+        std::fprintf(stderr, "usage: screenshot_tour OUTPUT_FOLDER [GAMES]\n");
+        return 2;
+    }
+    const QDir out(QString::fromLocal8Bit(argv[1]));
+    QDir().mkpath(out.path());
+    const int games = argc > 2 ? QByteArray(argv[2]).toInt() : 400;
+
+    QQuickStyle::setStyle("Basic");
+    Fonts::load();
+
+    SyntheticArchiveOptions options;
+    options.games = games;
+    const SyntheticArchive archive(options);
+
+    bool ok = true;
+    {
+        Scene signIn(nullptr, false);
+        ok &= signIn.shoot(out.filePath("signin.png"));
+    }
+    {
+        Scene empty(nullptr, true);
+        ok &= empty.shoot(out.filePath("main-empty.png"));
+    }
+    {
+        Scene full(&archive, true);
+        const char* names[] = {"overview", "history", "champions", "rank", "friends", "search", "overlay"};
+        for (int section = 0; section < 7; ++section) {
+            full.select(section);
+            ok &= full.shoot(out.filePath(QString::fromLatin1(names[section]) + ".png"));
+        }
+    }
+    return ok ? 0 : 1;
+}
