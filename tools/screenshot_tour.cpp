@@ -5,11 +5,13 @@
 
 #include "app/app_state.h"
 #include "archive/archive_store.h"
+#include "game_data/game_category.h"
 #include "support/fake_backend.h"
 #include "synthetic_archive.h"
 #include "theme/fonts.h"
 #include "theme/game_images.h"
 
+#include <QAbstractItemModel>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QGuiApplication>
@@ -27,6 +29,7 @@
 
 Q_IMPORT_QML_PLUGIN(QuillFern_AppPlugin)
 Q_IMPORT_QML_PLUGIN(QuillFern_ThemePlugin)
+Q_IMPORT_QML_PLUGIN(QuillFern_ScreensPlugin)
 
 namespace {
 
@@ -113,18 +116,53 @@ struct Scene {
         state.reset();
     }
 
-    // Finds the MainView and selects a section, as a click in the sidebar would.
-    void select(int section) {
+    // The first object of the window's scene whose type name starts with the given name,
+    // searched through both visual and object children.
+    QObject* find(const char* typeName) const {
         if (!window)
-            return;
-        const auto items = window->contentItem()->findChildren<QQuickItem*>();
-        for (QQuickItem* item : items) {
-            if (QString::fromLatin1(item->metaObject()->className()).startsWith("MainView")) {
-                item->setProperty("selection", section);
-                break;
-            }
+            return nullptr;
+        QList<QObject*> pending{window->contentItem()};
+        QSet<QObject*> seen;
+        while (!pending.isEmpty()) {
+            QObject* object = pending.takeFirst();
+            if (!object || seen.contains(object))
+                continue;
+            seen.insert(object);
+            if (QString::fromLatin1(object->metaObject()->className()).startsWith(QLatin1String(typeName)))
+                return object;
+            pending.append(object->children());
+            if (auto* item = qobject_cast<QQuickItem*>(object))
+                for (QQuickItem* child : item->childItems())
+                    pending.append(child);
         }
+        return nullptr;
+    }
+
+    // Selects a section, as a click in the sidebar would.
+    void select(int section) {
+        if (QObject* main = find("MainView"))
+            main->setProperty("selection", section);
         settle(300);
+    }
+
+    void setFilter(int category) {
+        if (QObject* history = find("HistoryModel"))
+            history->setProperty("filter", category);
+        settle(300);
+    }
+
+    // Opens the detail sheet of the newest game of the user, as a click on its row would.
+    void openNewestGame() {
+        QObject* main = find("MainView");
+        QObject* history = find("HistoryModel");
+        if (!main || !history)
+            return;
+        auto* rows = history->property("rows").value<QAbstractItemModel*>();
+        if (!rows || rows->rowCount() == 0)
+            return;
+        const QVariant id = rows->data(rows->index(0, 0), rows->roleNames().key("matchServerId"));
+        QMetaObject::invokeMethod(main, "openGame", Q_ARG(QVariant, id));
+        settle(500);
     }
 
     bool shoot(const QString& path) {
@@ -172,6 +210,12 @@ int main(int argc, char* argv[]) {
             full.select(section);
             ok &= full.shoot(out.filePath(QString::fromLatin1(names[section]) + ".png"));
         }
+        full.select(1);
+        full.setFilter(static_cast<int>(GameCategory::Ranked));
+        ok &= full.shoot(out.filePath("history-filtered.png"));
+        full.setFilter(-1);
+        full.openNewestGame();
+        ok &= full.shoot(out.filePath("detail.png"));
     }
     return ok ? 0 : 1;
 }

@@ -1,7 +1,8 @@
 import QtQuick
-import QtQuick.Controls.Basic
+import QtQuick.Controls
 import QtQuick.Layouts
 import QuillFern.App
+import QuillFern.Screens
 import QuillFern.Theme
 
 // The signed-in window: sidebar on the left, toolbar and the selected section on the right.
@@ -43,17 +44,51 @@ Item {
                 onOpenSearch: root.selection = NavSection.Search
             }
 
-            ScrollView {
-                id: scroller
+            Loader {
+                id: section
                 Layout.fillWidth: true
                 Layout.fillHeight: true
-                contentWidth: availableWidth
-                clip: true
+                Layout.margins: 28
+                Layout.topMargin: 18
+                sourceComponent: root.selection === NavSection.History ? historyView : sectionPlaceholder
+            }
+        }
+    }
 
-                Loader {
-                    width: scroller.availableWidth
-                    sourceComponent: sectionPlaceholder
-                }
+    Component {
+        id: historyView
+        HistoryView {
+            appState: AppState
+            onOpenGame: id => root.openGame(id)
+        }
+    }
+
+    // The match detail opens as a sheet over the window.
+    function openGame(matchServerId) {
+        sheet.matchServerId = matchServerId
+        sheet.open()
+    }
+
+    Popup {
+        id: sheet
+        property var matchServerId: 0
+        parent: Overlay.overlay
+        anchors.centerIn: parent
+        width: Math.min(940, root.width - 40)
+        height: Math.min(720, root.height - 40)
+        padding: 0
+        modal: true
+        dim: true
+        closePolicy: Popup.CloseOnEscape | Popup.CloseOnPressOutside
+        Overlay.modal: Rectangle { color: Qt.rgba(0, 0, 0, 0.55) }
+        background: Rectangle { radius: 18; color: Theme.wallBottom; border.width: 1; border.color: Qt.rgba(1, 1, 1, 0.12) }
+        contentItem: Item {
+            clip: true
+            MatchDetailView {
+                anchors.fill: parent
+                appState: AppState
+                matchServerId: sheet.matchServerId
+                onCloseRequested: sheet.close()
             }
         }
     }
@@ -61,13 +96,12 @@ Item {
     Component {
         id: sectionPlaceholder
         Item {
-            implicitHeight: Math.max(body.implicitHeight + 56, scroller.availableHeight)
             Column {
                 id: body
                 anchors.horizontalCenter: parent.horizontalCenter
                 anchors.top: parent.top
-                anchors.topMargin: 28
-                width: Math.min(parent.width - 56, 560)
+                anchors.topMargin: 10
+                width: Math.min(parent.width, 560)
                 spacing: 24
                 AddAccountCard {
                     width: parent.width

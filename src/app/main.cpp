@@ -17,6 +17,7 @@
 
 Q_IMPORT_QML_PLUGIN(QuillFern_AppPlugin)
 Q_IMPORT_QML_PLUGIN(QuillFern_ThemePlugin)
+Q_IMPORT_QML_PLUGIN(QuillFern_ScreensPlugin)
 
 int main(int argc, char* argv[]) {
     QGuiApplication app(argc, argv);

@@ -15,6 +15,7 @@
 
 Q_IMPORT_QML_PLUGIN(QuillFern_AppPlugin)
 Q_IMPORT_QML_PLUGIN(QuillFern_ThemePlugin)
+Q_IMPORT_QML_PLUGIN(QuillFern_ScreensPlugin)
 
 namespace {
 

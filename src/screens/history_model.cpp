@@ -1,0 +1,77 @@
+#include "screens/history_model.h"
+
+#include "screens/archive_inputs.h"
+#include "screens/match_texts.h"
+#include "theme/theme.h"
+
+#include <QVariantMap>
+#include <array>
+
+HistoryModel::HistoryModel(QObject* parent) : ScreenModel(parent), m_rows(new MatchListModel(this)) {}
+
+std::vector<GameCategory> HistoryModel::presentCategories(const std::vector<Stats::Game>& games) {
+    std::array<bool, GameCategories::all.size()> seen{};
+    for (const Stats::Game& game : games)
+        seen[static_cast<std::size_t>(game.category())] = true;
+    std::vector<GameCategory> present;
+    for (GameCategory category : GameCategories::all)
+        if (seen[static_cast<std::size_t>(category)])
+            present.push_back(category);
+    return present;
+}
+
+void HistoryModel::recompute() {
+    m_all.clear();
+    if (store() && appState()) {
+        const QSet<QString> owners = this->owners();
+        if (!owners.isEmpty())
+            m_all = Stats::games(ArchiveInputs::matchesNewestFirst(*store()), store()->participants().all(), owners,
+                                 appState()->friendGameNames());
+    }
+    applyFilter();
+}
+
+void HistoryModel::setFilter(int filter) {
+    if (filter == m_filter)
+        return;
+    m_filter = filter;
+    applyFilter();
+}
+
+void HistoryModel::applyFilter() {
+    std::vector<Stats::Game> shown;
+    if (m_filter == allCategories) {
+        shown = m_all;
+    } else {
+        for (const Stats::Game& game : m_all)
+            if (static_cast<int>(game.category()) == m_filter)
+                shown.push_back(game);
+    }
+    m_wins = static_cast<int>(std::count_if(shown.begin(), shown.end(), [](const Stats::Game& g) { return g.me->win; }));
+
+    m_chips.clear();
+    const auto chip = [this](const QString& label, int value, const QColor& tint) {
+        m_chips.append(QVariantMap{{"label", label}, {"value", value}, {"tint", tint}, {"selected", value == m_filter}});
+    };
+    chip(QStringLiteral("All"), allCategories, Theme::gold());
+    for (GameCategory category : presentCategories(m_all))
+        chip(GameCategories::rawValue(category), static_cast<int>(category), MatchTexts::categoryColor(category));
+
+    m_rows->setNow(QDateTime::currentDateTimeUtc());
+    m_rows->setGames(std::move(shown));
+    Q_EMIT changed();
+}
+
+double HistoryModel::winPercent() const {
+    const int games = m_rows->rowCount();
+    return games > 0 ? 100.0 * m_wins / games : 0.0;
+}
+
+QString HistoryModel::gamesText() const {
+    return QString::asprintf("%lld games", static_cast<long long>(m_rows->rowCount()));
+}
+
+QString HistoryModel::recordText() const {
+    return QString::asprintf("%lldW %lldL", static_cast<long long>(m_wins),
+                             static_cast<long long>(m_rows->rowCount() - m_wins));
+}
