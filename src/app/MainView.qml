@@ -50,9 +50,30 @@ Item {
                 Layout.fillHeight: true
                 Layout.margins: 28
                 Layout.topMargin: 18
-                sourceComponent: root.selection === NavSection.History ? historyView : sectionPlaceholder
+                sourceComponent: [overviewView, historyView, championsView, rankView, sectionPlaceholder,
+                                  sectionPlaceholder, sectionPlaceholder][root.selection]
             }
         }
+    }
+
+    Component {
+        id: overviewView
+        OverviewView {
+            appState: AppState
+            linkCard: Component { AddAccountCard {} }
+            onOpenGame: id => root.openGame(id)
+            onShowHistory: root.selection = NavSection.History
+        }
+    }
+
+    Component {
+        id: championsView
+        ChampionsView { appState: AppState }
+    }
+
+    Component {
+        id: rankView
+        RankView { appState: AppState }
     }
 
     Component {

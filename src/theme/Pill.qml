@@ -18,7 +18,7 @@ Rectangle {
         text: root.text
         color: root.tint
         font.family: Theme.fontFamily
-        font.pixelSize: 10.5
+        font.pixelSize: 11
         font.weight: Font.DemiBold
     }
 }

@@ -1,6 +1,6 @@
 import QtQuick
 import QtQuick.Shapes
-import Qt5Compat.GraphicalEffects
+import Qt5Compat.GraphicalEffects as Effects
 import QuillFern.Theme
 
 // The tier's gem: a hexagon in the tier's two colours with a sheen and a shadow.
@@ -13,7 +13,7 @@ Item {
     implicitWidth: size
     implicitHeight: size * 1.1
 
-    DropShadow {
+    Effects.DropShadow {
         anchors.fill: gem
         source: gem
         radius: root.size * 0.18
