@@ -165,6 +165,13 @@ struct Scene {
         settle(500);
     }
 
+    // Picks a queue on the rank screen, as its picker would.
+    void setRankQueue(const QString& queue) {
+        if (QObject* rank = find("RankModel"))
+            rank->setProperty("queue", queue);
+        settle(300);
+    }
+
     bool shoot(const QString& path) {
         if (!window)
             return false;
@@ -210,6 +217,9 @@ int main(int argc, char* argv[]) {
             full.select(section);
             ok &= full.shoot(out.filePath(QString::fromLatin1(names[section]) + ".png"));
         }
+        full.select(3);
+        full.setRankQueue(QStringLiteral("RANKED_FLEX_SR"));
+        ok &= full.shoot(out.filePath("rank-flex.png"));
         full.select(1);
         full.setFilter(static_cast<int>(GameCategory::Ranked));
         ok &= full.shoot(out.filePath("history-filtered.png"));

@@ -33,7 +33,7 @@ Item {
             fillGradient: RadialGradient {
                 centerX: glow.width / 2; centerY: glow.height / 2
                 focalX: centerX; focalY: centerY
-                centerRadius: Math.max(glow.width, glow.height) / 2
+                centerRadius: Math.min(glow.width, glow.height) / 2
                 GradientStop { position: 0; color: Qt.rgba(glow.tint.r, glow.tint.g, glow.tint.b, glow.strength) }
                 GradientStop { position: 0.45; color: Qt.rgba(glow.tint.r, glow.tint.g, glow.tint.b, glow.strength * 0.35) }
                 GradientStop { position: 1; color: Qt.rgba(glow.tint.r, glow.tint.g, glow.tint.b, 0) }

@@ -19,7 +19,9 @@ class GameImages : public QObject {
     Q_PROPERTY(QString version READ version NOTIFY versionChanged)
 
 public:
-    explicit GameImages(QObject* parent = nullptr) : QObject(parent) {}
+    // Not default-constructible on purpose: QML would otherwise make its own instance instead
+    // of asking create() for the application's.
+    explicit GameImages(DDragon ddragon, QObject* parent = nullptr) : QObject(parent), m_ddragon(std::move(ddragon)) {}
 
     static void exposeToQml(GameImages* instance) { s_instance = instance; }
     static GameImages* create(QQmlEngine*, QJSEngine*);
