@@ -167,8 +167,10 @@ struct Scene {
 
     // Picks a queue on the rank screen, as its picker would.
     void setRankQueue(const QString& queue) {
-        if (QObject* rank = find("RankModel"))
-            rank->setProperty("queue", queue);
+        if (QObject* rank = find("RankModel")) {
+            bool ok = rank->setProperty("queue", queue);
+            std::fprintf(stderr, "DEBUG %d %s %s\n", ok, qPrintable(rank->property("queue").toString()), rank->metaObject()->className());
+        }
         settle(300);
     }
 
@@ -208,7 +210,13 @@ int main(int argc, char* argv[]) {
     }
     {
         Scene empty(nullptr, true);
-        ok &= empty.shoot(out.filePath("main-empty.png"));
+        ok &= empty.shoot(out.filePath("overview-empty.png"));
+        empty.select(1);
+        ok &= empty.shoot(out.filePath("history-empty.png"));
+        empty.select(2);
+        ok &= empty.shoot(out.filePath("champions-empty.png"));
+        empty.select(3);
+        ok &= empty.shoot(out.filePath("rank-empty.png"));
     }
     {
         Scene full(&archive, true);

@@ -6,7 +6,7 @@ import QuillFern.Theme
 // Every game of the user, newest first, with a category filter. Asks its host to open a game.
 Item {
     id: root
-    property var appState
+    property var appState: null
     signal openGame(var matchServerId)
 
 

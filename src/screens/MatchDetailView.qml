@@ -7,7 +7,7 @@ import QuillFern.Theme
 // One game in full, shown as a sheet over the window.
 Item {
     id: root
-    property var appState
+    property var appState: null
     property var matchServerId: 0
     signal closeRequested()
     signal timelineRequested()

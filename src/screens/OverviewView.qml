@@ -7,7 +7,7 @@ import QuillFern.Theme
 // The landing screen: who the player is, how they play, and their newest games.
 Item {
     id: root
-    property var appState
+    property var appState: null
     // The account-linking card, supplied by the window (it lives with the sign-in views).
     property Component linkCard
     signal openGame(var matchServerId)

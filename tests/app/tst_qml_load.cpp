@@ -1,0 +1,107 @@
+#include "support/screen_fixture.h"
+#include "synthetic_archive.h"
+#include "theme/fonts.h"
+
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QTest>
+#include <QtQml/QQmlExtensionPlugin>
+
+Q_IMPORT_QML_PLUGIN(QuillFern_AppPlugin)
+Q_IMPORT_QML_PLUGIN(QuillFern_ThemePlugin)
+Q_IMPORT_QML_PLUGIN(QuillFern_ScreensPlugin)
+
+namespace {
+
+QStringList g_warnings;
+
+void collect(QtMsgType type, const QMessageLogContext&, const QString& message) {
+    // Image loads fail on purpose here (no CDN is reachable); anything else is a fault.
+    if (type != QtDebugMsg && type != QtInfoMsg && !message.contains(QLatin1String("QML Image")) &&
+        !message.contains(QLatin1String("QQuickImage")))
+        g_warnings << message;
+}
+
+} // namespace
+
+// Every screen and shared component is built with real data, and any QML warning fails.
+class TestQmlLoad : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<ScreenFixture> m_fixture;
+
+private Q_SLOTS:
+    void initTestCase() {
+        Fonts::load();
+        SyntheticArchiveOptions options;
+        options.games = 60;
+        const SyntheticArchive archive(options);
+        QJsonArray accounts;
+        for (const RiotAccountDTO& a : archive.ownerAccounts())
+            accounts.append(QJsonObject{{"id", a.id}, {"puuid", a.puuid}, {"platform", a.platform}, {"region", a.region},
+                                        {"game_name", a.gameName.value_or(QString())}, {"tag_line", a.tagLine.value_or(QString())}});
+        m_fixture = std::make_unique<ScreenFixture>(accounts);
+        archive.fill(*m_fixture->store);
+        AppState::exposeToQml(m_fixture->state.get());
+    }
+
+    void screens_data() {
+        QTest::addColumn<QString>("source");
+        const char* themeParts =
+            "import QtQuick\nimport QuillFern.Theme\n"
+            "Column { width: 600\n"
+            " Wallpaper { width: 200; height: 100 }\n"
+            " GlassCard { width: 200; SectionLabel { text: \"Menu\" } }\n"
+            " GroupCard { width: 300; title: \"Group\"; icon: \"person.3\"; Text { text: \"body\" } }\n"
+            " DisplayTitle { text: \"Title\" }\n Pill { text: \"pill\" }\n"
+            " StatCard { width: 200; title: \"KDA Ratio\"; value: \"4.89\"; unit: \"/ min\"; meter: 40 }\n"
+            " KDALine { kills: 3; deaths: 1; assists: 7 }\n"
+            " WinRing { pct: 0 }\n WinRing { pct: 150; sub: \"RANKED\" }\n"
+            " WLBar { width: 100; wins: 0; losses: 3 }\n WLBar { width: 100; wins: 0; losses: 0 }\n"
+            " MeterBar { width: 100; pct: 250 }\n HexGem { width: 30; height: 34 }\n"
+            " RankGem { tier: \"gold\" }\n RankGem { tier: \"\" }\n Chevron {}\n"
+            " ChampionIcon { name: \"Lee Sin\"; ring: true }\n ChampionIcon { name: \"\" }\n"
+            " SummonerAvatar { iconId: 4568; fallbackChampion: \"Ahri\" }\n SummonerAvatar { fallbackChampion: \"\" }\n"
+            " ItemIcon { itemId: 0 }\n ItemRow { items: [3031, 0, 6672] }\n"
+            " EmptyState { icon: \"person.3\"; title: \"No champion data\"; message: \"Sync\" }\n"
+            " Symbol { name: \"lock.fill\" }\n}\n";
+        QTest::newRow("theme components") << QString::fromLatin1(themeParts);
+        for (const char* screen : {"HistoryView", "OverviewView", "ChampionsView", "RankView"})
+            QTest::newRow(screen) << QStringLiteral("import QtQuick\nimport QuillFern.App\nimport QuillFern.Screens\n"
+                                                    "%1 { width: 1000; height: 700; appState: AppState }\n").arg(QLatin1String(screen));
+        QTest::newRow("match detail") << QStringLiteral("import QtQuick\nimport QuillFern.App\nimport QuillFern.Screens\n"
+                                                         "MatchDetailView { width: 940; height: 720; appState: AppState; matchServerId: 5 }\n");
+        QTest::newRow("overview of an empty archive") << QStringLiteral(
+            "import QtQuick\nimport QuillFern.App\nimport QuillFern.Screens\n"
+            "OverviewView { width: 1000; height: 700; linkCard: Component { AddAccountCard {} } }\n");
+    }
+    void screens() {
+        QFETCH(QString, source);
+        g_warnings.clear();
+        const QtMessageHandler previous = qInstallMessageHandler(collect);
+        {
+            QQmlEngine engine;
+            engine.addImportPath("qrc:/qt/qml");
+            QQmlComponent component(&engine);
+            component.setData(source.toUtf8(), QUrl("qrc:/test.qml"));
+            std::unique_ptr<QObject> object(component.create());
+            QVERIFY2(object, qPrintable(component.errorString()));
+            QQuickWindow window;
+            window.resize(1100, 800);
+            qobject_cast<QQuickItem*>(object.get())->setParentItem(window.contentItem());
+            window.show();
+            QVERIFY(QTest::qWaitForWindowExposed(&window));
+            QTest::qWait(50);
+            QVERIFY(!window.grabWindow().isNull());
+        }
+        qInstallMessageHandler(previous);
+        QVERIFY2(g_warnings.isEmpty(), qPrintable(g_warnings.join('\n')));
+    }
+
+    void cleanupTestCase() { m_fixture.reset(); }
+};
+
+QTEST_MAIN(TestQmlLoad)
+#include "tst_qml_load.moc"
