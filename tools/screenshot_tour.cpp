@@ -167,10 +167,10 @@ struct Scene {
 
     // Picks a queue on the rank screen, as its picker would.
     void setRankQueue(const QString& queue) {
-        if (QObject* rank = find("RankModel")) {
-            bool ok = rank->setProperty("queue", queue);
-            std::fprintf(stderr, "DEBUG %d %s %s\n", ok, qPrintable(rank->property("queue").toString()), rank->metaObject()->className());
-        }
+        // Screens left earlier are only deleted later; let them go so that the one in view is found.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        if (QObject* rank = find("RankModel"))
+            rank->setProperty("queue", queue);
         settle(300);
     }
 

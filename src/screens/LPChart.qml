@@ -1,0 +1,151 @@
+import QtQuick
+import QtQuick.Shapes
+import QuillFern.Screens
+import QuillFern.Theme
+
+// The LP line of a RankModel: grid and marks, a gold gradient area, the line and its points.
+// The model lays everything out in a unit square; this only scales it to the plot.
+Item {
+    id: root
+    property RankModel chart
+    readonly property real gutter: 46
+
+    Item {
+        id: plot
+        x: root.gutter
+        y: 6
+        width: root.width - root.gutter - 10
+        height: root.height - 30
+        readonly property var line: root.chart ? root.chart.chartLine.map(p => Qt.point(p.x * width, p.y * height)) : []
+
+        Repeater {
+            model: root.chart ? root.chart.yTicks : []
+            Item {
+                required property var modelData
+                y: modelData.y * plot.height
+                width: plot.width
+                Rectangle {
+                    width: parent.width
+                    height: 1
+                    color: Qt.rgba(1, 1, 1, 0.07)
+                }
+                Text {
+                    anchors.right: parent.left
+                    anchors.rightMargin: 8
+                    anchors.verticalCenter: parent.top
+                    text: parent.modelData.text
+                    color: Theme.textDim
+                    font.family: Theme.fontFamily
+                    font.pixelSize: 10
+                }
+            }
+        }
+        Repeater {
+            model: root.chart ? root.chart.xTicks : []
+            Item {
+                required property var modelData
+                x: modelData.x * plot.width
+                height: plot.height
+                Rectangle {
+                    width: 1
+                    height: parent.height
+                    color: Qt.rgba(1, 1, 1, 0.05)
+                }
+                Text {
+                    anchors.top: parent.bottom
+                    anchors.topMargin: 7
+                    anchors.horizontalCenter: parent.left
+                    text: parent.modelData.text
+                    color: Theme.textDim
+                    font.family: Theme.fontFamily
+                    font.pixelSize: 10
+                }
+            }
+        }
+
+        Shape {
+            anchors.fill: parent
+            visible: plot.line.length > 1
+            layer.enabled: true
+            layer.samples: 4
+            ShapePath {
+                id: area
+                strokeWidth: -1
+                strokeColor: "transparent"
+                fillGradient: LinearGradient {
+                    x1: 0; y1: 0; x2: 0; y2: plot.height
+                    GradientStop { position: 0; color: Qt.rgba(Theme.gold.r, Theme.gold.g, Theme.gold.b, 0.35) }
+                    GradientStop { position: 1; color: Qt.rgba(Theme.gold.r, Theme.gold.g, Theme.gold.b, 0) }
+                }
+                // The polyline starts its own sub-path, so the area is drawn from the line down.
+                readonly property point first: plot.line.length > 0 ? plot.line[0] : Qt.point(0, 0)
+                readonly property point last: plot.line.length > 0 ? plot.line[plot.line.length - 1] : Qt.point(0, 0)
+                startX: first.x
+                startY: first.y
+                PathPolyline { path: plot.line }
+                PathLine { x: area.last.x; y: plot.height }
+                PathLine { x: area.first.x; y: plot.height }
+                PathLine { x: area.first.x; y: area.first.y }
+            }
+            ShapePath {
+                strokeColor: Theme.gold
+                strokeWidth: 2.5
+                fillColor: "transparent"
+                joinStyle: ShapePath.RoundJoin
+                capStyle: ShapePath.RoundCap
+                PathPolyline { path: plot.line }
+            }
+        }
+
+        Repeater {
+            model: root.chart ? root.chart.chartPoints : []
+            Rectangle {
+                required property var modelData
+                x: modelData.x * plot.width - width / 2
+                y: modelData.y * plot.height - height / 2
+                width: hover.containsMouse ? 9 : 6
+                height: width
+                radius: width / 2
+                color: hover.containsMouse ? Theme.goldBright : Theme.gold
+                MouseArea {
+                    id: hover
+                    anchors.centerIn: parent
+                    width: 14
+                    height: 14
+                    hoverEnabled: true
+                    onContainsMouseChanged: {
+                        if (containsMouse)
+                            bubble.show(parent)
+                        else if (bubble.target === parent)
+                            bubble.target = null
+                    }
+                }
+            }
+        }
+
+        // The hovered point's rank and date.
+        Rectangle {
+            id: bubble
+            property Item target: null
+            function show(item) { target = item }
+            visible: target !== null
+            z: 2
+            width: bubbleText.implicitWidth + 16
+            height: bubbleText.implicitHeight + 8
+            radius: 6
+            color: Theme.glassDark
+            border.width: 1
+            border.color: Qt.rgba(Theme.gold.r, Theme.gold.g, Theme.gold.b, 0.5)
+            x: target ? Math.max(0, Math.min(plot.width - width, target.x + target.width / 2 - width / 2)) : 0
+            y: target ? (target.y > height + 8 ? target.y - height - 6 : target.y + target.height + 6) : 0
+            Text {
+                id: bubbleText
+                anchors.centerIn: parent
+                text: bubble.target ? bubble.target.modelData.caption : ""
+                color: Theme.text
+                font.family: Theme.fontFamily
+                font.pixelSize: 11
+            }
+        }
+    }
+}
