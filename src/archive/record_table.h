@@ -2,11 +2,13 @@
 
 #include "archive/record_columns.h"
 
+#include <QtGlobal>
 #include <algorithm>
 #include <functional>
 #include <memory>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 // The in-memory copy of one record type: every stored record, indexed by backend id (and by
@@ -19,52 +21,54 @@ public:
         record->localId = ++m_lastLocalId;
         Record* raw = record.get();
         addRow(std::move(record), false);
-        m_toWrite.insert(raw);
+        m_toWrite.push_back(raw);
         return raw;
     }
 
-    // Takes a record read back from disk.
+    // Takes a record read back from disk. Records arrive in the order of their identity.
     void adopt(std::unique_ptr<Record> record) {
+        Q_ASSERT(record->localId > m_lastLocalId);
         m_lastLocalId = std::max(m_lastLocalId, record->localId);
         addRow(std::move(record), true);
+        m_savedRows = m_rows.size();
     }
 
     // Call after changing a record's fields so that the next save writes it.
     void markChanged(Record* record) {
-        if (!isAlive(record))
+        Row* row = rowOf(record);
+        if (!row || !row->alive)
             return;
         if constexpr (HasMatchServerId<Record>) {
-            unindexMatch(record);
+            unindexMatch(*row);
             m_byMatch[record->matchServerId].push_back(record);
-            m_matchKey[record] = record->matchServerId;
+            row->matchKey = record->matchServerId;
         }
-        m_toWrite.insert(record);
+        m_toWrite.push_back(record);
     }
 
     void remove(Record* record) {
-        auto found = m_rowOf.find(record->localId);
-        if (found == m_rowOf.end() || !m_rows[found->second].alive)
+        Row* row = rowOf(record);
+        if (!row || !row->alive)
             return;
-        Row& row = m_rows[found->second];
-        row.alive = false;
+        row->alive = false;
         --m_liveCount;
-        m_toWrite.erase(record);
-        if (row.persisted && !m_wipe)
+        ++m_deadRows;
+        if (row->persisted && !m_wipe)
             m_toDelete.push_back(record->localId);
         unindexServer(record);
         if constexpr (HasMatchServerId<Record>)
-            unindexMatch(record);
+            unindexMatch(*row);
     }
 
     void removeAll() {
         for (Row& row : m_rows)
             row.alive = false;
+        m_deadRows = m_rows.size();
         m_liveCount = 0;
         m_toWrite.clear();
         m_toDelete.clear();
         m_byServer.clear();
         m_byMatch.clear();
-        m_matchKey.clear();
         m_wipe = true;
     }
 
@@ -108,26 +112,37 @@ public:
     [[nodiscard]] qsizetype count() const { return static_cast<qsizetype>(m_liveCount); }
 
     // What the next save must do.
-    [[nodiscard]] bool hasChanges() const { return m_wipe || !m_toWrite.empty() || !m_toDelete.empty(); }
+    [[nodiscard]] bool hasChanges() const {
+        return m_wipe || !m_toDelete.empty() ||
+               std::any_of(m_toWrite.begin(), m_toWrite.end(),
+                           [this](const Record* record) { return isAlive(record); });
+    }
     [[nodiscard]] bool wipes() const { return m_wipe; }
     [[nodiscard]] const std::vector<qint64>& toDelete() const { return m_toDelete; }
+    // The live records to write, oldest first, each once.
     [[nodiscard]] std::vector<const Record*> toWrite() const {
         std::vector<const Record*> result(m_toWrite.begin(), m_toWrite.end());
         std::sort(result.begin(), result.end(), [](const Record* a, const Record* b) { return a->localId < b->localId; });
+        result.erase(std::unique(result.begin(), result.end()), result.end());
+        if (m_deadRows > 0)
+            std::erase_if(result, [this](const Record* record) { return !isAlive(record); });
         return result;
     }
 
-    // The save succeeded: forget the pending changes and free deleted records.
+    // The save succeeded: forget the pending changes and free deleted records. A sync saves
+    // after every page, so this costs only what changed, not the whole table.
     void saved() {
         m_toWrite.clear();
         m_toDelete.clear();
         m_wipe = false;
-        std::erase_if(m_rows, [](const Row& row) { return !row.alive; });
-        m_rowOf.clear();
-        for (std::size_t i = 0; i < m_rows.size(); ++i) {
-            m_rows[i].persisted = true;
-            m_rowOf.emplace(m_rows[i].record->localId, i);
+        if (m_deadRows > 0) {
+            std::erase_if(m_rows, [](const Row& row) { return !row.alive; });
+            m_deadRows = 0;
+            m_savedRows = 0;
         }
+        for (std::size_t i = m_savedRows; i < m_rows.size(); ++i)
+            m_rows[i].persisted = true;
+        m_savedRows = m_rows.size();
     }
 
 private:
@@ -135,23 +150,32 @@ private:
         std::unique_ptr<Record> record;
         bool alive = true;
         bool persisted = false;
+        qint64 matchKey = 0; // the game the record is indexed under, for types that belong to one
     };
 
     void addRow(std::unique_ptr<Record> record, bool persisted) {
         Record* raw = record.get();
-        m_rowOf.emplace(raw->localId, m_rows.size());
-        m_rows.push_back({std::move(record), true, persisted});
+        m_rows.push_back({std::move(record), true, persisted, 0});
         ++m_liveCount;
         m_byServer.emplace(raw->serverId, raw);
         if constexpr (HasMatchServerId<Record>) {
             m_byMatch[raw->matchServerId].push_back(raw);
-            m_matchKey[raw] = raw->matchServerId;
+            m_rows.back().matchKey = raw->matchServerId;
         }
     }
 
+    // Rows stay in the order of their identity (inserts take ever larger ones, the file is read
+    // in that order, and saves only drop rows), so a record's row is found by bisection.
+    [[nodiscard]] const Row* rowOf(const Record* record) const {
+        const auto found = std::lower_bound(m_rows.begin(), m_rows.end(), record->localId,
+                                            [](const Row& row, qint64 id) { return row.record->localId < id; });
+        return found != m_rows.end() && found->record.get() == record ? &*found : nullptr;
+    }
+    [[nodiscard]] Row* rowOf(const Record* record) { return const_cast<Row*>(std::as_const(*this).rowOf(record)); }
+
     [[nodiscard]] bool isAlive(const Record* record) const {
-        auto found = m_rowOf.find(record->localId);
-        return found != m_rowOf.end() && m_rows[found->second].alive;
+        const Row* row = rowOf(record);
+        return row && row->alive;
     }
 
     void unindexServer(Record* record) {
@@ -163,27 +187,23 @@ private:
             }
     }
 
-    void unindexMatch(Record* record) {
-        auto key = m_matchKey.find(record);
-        if (key == m_matchKey.end())
-            return;
-        auto list = m_byMatch.find(key->second);
+    void unindexMatch(const Row& row) {
+        auto list = m_byMatch.find(row.matchKey);
         if (list != m_byMatch.end()) {
-            std::erase(list->second, record);
+            std::erase(list->second, row.record.get());
             if (list->second.empty())
                 m_byMatch.erase(list);
         }
-        m_matchKey.erase(key);
     }
 
     std::vector<Row> m_rows;
-    std::unordered_map<qint64, std::size_t> m_rowOf;
     std::size_t m_liveCount = 0;
+    std::size_t m_deadRows = 0;  // rows removed since the last save
+    std::size_t m_savedRows = 0; // rows before this index are on disk
     qint64 m_lastLocalId = 0;
     std::unordered_multimap<qint64, Record*> m_byServer;
     std::unordered_map<qint64, std::vector<Record*>> m_byMatch;
-    std::unordered_map<const Record*, qint64> m_matchKey;
-    std::unordered_set<Record*> m_toWrite;
+    std::vector<Record*> m_toWrite; // in call order, may repeat
     std::vector<qint64> m_toDelete;
     bool m_wipe = false;
 };

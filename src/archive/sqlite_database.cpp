@@ -4,6 +4,8 @@
 
 #include <QStringList>
 #include <QTimeZone>
+#include <algorithm>
+#include <charconv>
 #include <sqlite3.h>
 
 SqliteDatabase::SqliteDatabase(const QString& path) {
@@ -48,6 +50,7 @@ SqliteStatement::SqliteStatement(SqliteDatabase& database, const QString& sql) :
                                         &m_statement, nullptr);
     if (code != SQLITE_OK)
         database.fail(code);
+    m_texts.resize(static_cast<std::size_t>(sqlite3_bind_parameter_count(m_statement)) + 1);
 }
 
 SqliteStatement::~SqliteStatement() {
@@ -62,9 +65,23 @@ void SqliteStatement::bind(int index, double value) {
     sqlite3_bind_double(m_statement, index, value);
 }
 
+QByteArray& SqliteStatement::textBuffer(int index) {
+    if (index < 0 || static_cast<std::size_t>(index) >= m_texts.size())
+        m_texts.resize(static_cast<std::size_t>(std::max(index, 0)) + 1);
+    return m_texts[static_cast<std::size_t>(index)];
+}
+
 void SqliteStatement::bind(int index, const QString& value) {
-    const QByteArray utf8 = value.toUtf8();
-    sqlite3_bind_text(m_statement, index, utf8.constData(), static_cast<int>(utf8.size()), SQLITE_TRANSIENT);
+    if (value.isEmpty()) {
+        sqlite3_bind_text(m_statement, index, "", 0, SQLITE_STATIC);
+        return;
+    }
+    // A sync writes hundreds of thousands of texts: encode into a reused buffer, not a new one.
+    QByteArray& buffer = textBuffer(index);
+    buffer.resize(m_utf8.requiredSpace(value.size()));
+    const char* end = m_utf8.appendToBuffer(buffer.data(), value);
+    buffer.truncate(end - buffer.constData());
+    sqlite3_bind_text(m_statement, index, buffer.constData(), static_cast<int>(buffer.size()), SQLITE_STATIC);
 }
 
 void SqliteStatement::bind(int index, const QDateTime& value) {
@@ -72,11 +89,21 @@ void SqliteStatement::bind(int index, const QDateTime& value) {
 }
 
 void SqliteStatement::bind(int index, const QList<qint64>& value) {
-    QStringList parts;
-    parts.reserve(value.size());
-    for (qint64 item : value)
-        parts << QString::number(item);
-    bind(index, parts.join(QLatin1Char(',')));
+    if (value.isEmpty()) {
+        sqlite3_bind_text(m_statement, index, "", 0, SQLITE_STATIC);
+        return;
+    }
+    QByteArray& buffer = textBuffer(index);
+    buffer.resize(value.size() * 21); // a comma and at most 20 characters per number
+    char* out = buffer.data();
+    char* const end = out + buffer.size();
+    for (qsizetype i = 0; i < value.size(); ++i) {
+        if (i)
+            *out++ = ',';
+        out = std::to_chars(out, end, value[i]).ptr;
+    }
+    buffer.truncate(out - buffer.constData());
+    sqlite3_bind_text(m_statement, index, buffer.constData(), static_cast<int>(buffer.size()), SQLITE_STATIC);
 }
 
 void SqliteStatement::bindNull(int index) {

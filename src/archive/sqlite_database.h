@@ -3,7 +3,9 @@
 #include <QDateTime>
 #include <QList>
 #include <QString>
+#include <QStringEncoder>
 #include <optional>
+#include <vector>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -54,8 +56,14 @@ public:
     }
 
 private:
+    // Text bound to parameter index, kept until the next bind of that index so that SQLite can
+    // read it without a copy of its own.
+    QByteArray& textBuffer(int index);
+
     SqliteDatabase& m_database;
     sqlite3_stmt* m_statement = nullptr;
+    std::vector<QByteArray> m_texts;
+    QStringEncoder m_utf8{QStringEncoder::Utf8};
 };
 
 // An open SQLite database file. Every failure throws StoreError with SQLite's own text.

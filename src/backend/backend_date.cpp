@@ -33,6 +33,57 @@ std::optional<QDateTime> parseWhole(const icu::DateFormat* format, const QString
     return QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(millis), QTimeZone::utc());
 }
 
+// The shape the backend writes nearly always, read without ICU: 2025-03-01T18:04:05, then six
+// fraction digits or none, then Z or an offset of hours and minutes. Only a date that is
+// plainly valid is answered here; anything unusual goes to the formatters below, which decide.
+std::optional<QDateTime> parseCommon(const QString& text) {
+    const qsizetype length = text.size();
+    if (length < 20)
+        return std::nullopt;
+    const QChar* c = text.constData();
+    auto digits = [c](qsizetype from, int count, int& out) {
+        out = 0;
+        for (int i = 0; i < count; ++i) {
+            const char16_t d = c[from + i].unicode();
+            if (d < u'0' || d > u'9')
+                return false;
+            out = out * 10 + (d - u'0');
+        }
+        return true;
+    };
+    int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
+    if (!digits(0, 4, year) || c[4] != u'-' || !digits(5, 2, month) || c[7] != u'-' || !digits(8, 2, day) ||
+        c[10] != u'T' || !digits(11, 2, hour) || c[13] != u':' || !digits(14, 2, minute) || c[16] != u':' ||
+        !digits(17, 2, second))
+        return std::nullopt;
+    qsizetype at = 19;
+    int micros = 0;
+    if (c[at] == u'.') {
+        if (length < at + 7 || !digits(at + 1, 6, micros))
+            return std::nullopt;
+        at += 7;
+    }
+    int offsetMinutes = 0;
+    if (at + 1 == length && c[at] == u'Z') {
+        offsetMinutes = 0;
+    } else if (at + 6 == length && (c[at] == u'+' || c[at] == u'-') && c[at + 3] == u':') {
+        int offsetHours = 0, offsetRest = 0;
+        if (!digits(at + 1, 2, offsetHours) || !digits(at + 4, 2, offsetRest) || offsetHours > 18 || offsetRest > 59)
+            return std::nullopt;
+        offsetMinutes = (offsetHours * 60 + offsetRest) * (c[at] == u'-' ? -1 : 1);
+    } else {
+        return std::nullopt;
+    }
+    const QDate date(year, month, day);
+    if (year < 1000 || !date.isValid() || hour > 23 || minute > 59 || second > 59)
+        return std::nullopt;
+    // Fraction digits beyond the millisecond are dropped, as the formatters do.
+    const qint64 millis = (date.toJulianDay() - QDate(1970, 1, 1).toJulianDay()) * 86'400'000 +
+                          ((hour * 60 + minute) * 60 + second) * qint64(1000) + micros / 1000 -
+                          offsetMinutes * qint64(60'000);
+    return QDateTime::fromMSecsSinceEpoch(millis, QTimeZone::utc());
+}
+
 } // namespace
 
 namespace BackendDate {
@@ -40,6 +91,8 @@ namespace BackendDate {
 std::optional<QDateTime> fromBackend(const std::optional<QString>& text) {
     if (!text)
         return std::nullopt;
+    if (auto date = parseCommon(*text))
+        return date;
 
     // Built once and kept: a formatter is costly to make and these two are used for every
     // stored game. All store work happens on one thread, so sharing needs no lock.

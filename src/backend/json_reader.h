@@ -8,6 +8,7 @@
 #include <QString>
 #include <QStringList>
 #include <exception>
+#include <memory>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -25,12 +26,25 @@ private:
     QByteArray m_utf8;
 };
 
+struct JsonTree;
+
 // Reads one JSON object of a backend answer into a record. Keys are matched after the
 // snake_case conversion; required fields must be present with the right JSON type, optional
 // ones may be missing or null. Every failure throws DecodingFailure.
+//
+// Answers are parsed straight from their bytes into a compact tree (a sync page carries
+// hundreds of thousands of values); where a key occurs twice after conversion, the later one
+// counts.
 class JsonReader {
 public:
     explicit JsonReader(const QJsonObject& object, QString path = {});
+    ~JsonReader();
+    JsonReader(const JsonReader&) = delete;
+    JsonReader& operator=(const JsonReader&) = delete;
+    JsonReader(JsonReader&&) noexcept;
+
+    // Parses a whole answer body whose top level must be an object.
+    [[nodiscard]] static JsonReader fromAnswer(const QByteArray& body);
 
     [[nodiscard]] QString text(const char* key) const;
     [[nodiscard]] qint64 integer(const char* key) const;
@@ -46,38 +60,48 @@ public:
     [[nodiscard]] std::optional<bool> optFlag(const char* key) const;
     [[nodiscard]] std::optional<QList<qint64>> optIntegers(const char* key) const;
 
-    template <class T> [[nodiscard]] T record(const char* key) const {
-        return T::decode(JsonReader(requiredObject(key), childPath(key)));
-    }
+    template <class T> [[nodiscard]] T record(const char* key) const { return T::decode(child(key)); }
 
     template <class T> [[nodiscard]] QList<T> records(const char* key) const {
-        const QJsonArray array = requiredArray(key);
+        const quint32 list = requiredList(key);
+        const qsizetype count = listSize(list);
         QList<T> result;
-        result.reserve(array.size());
-        const QString base = childPath(key);
-        for (qsizetype i = 0; i < array.size(); ++i) {
-            const QString path = elementPath(base, i);
-            result.append(T::decode(JsonReader(objectElement(array.at(i), path), path)));
-        }
+        result.reserve(count);
+        for (qsizetype i = 0; i < count; ++i)
+            result.append(T::decode(element(key, list, i)));
         return result;
     }
 
-    // Parses a whole answer body whose top level must be an object.
+    // Parses a whole answer body whose top level must be an object, into Qt's own JSON types.
     [[nodiscard]] static QJsonObject parseDocument(const QByteArray& body);
 
 private:
-    [[nodiscard]] const QJsonValue* find(QLatin1StringView key) const;
-    [[nodiscard]] QJsonValue required(const char* key, const char* expected) const;
-    [[nodiscard]] QJsonObject requiredObject(const char* key) const;
-    [[nodiscard]] QJsonArray requiredArray(const char* key) const;
-    [[nodiscard]] QString childPath(const char* key) const;
-    [[nodiscard]] static QString elementPath(const QString& base, qsizetype index);
-    [[nodiscard]] static QJsonObject objectElement(const QJsonValue& value, const QString& path);
-    [[nodiscard]] QList<qint64> integerList(const QJsonValue& value, const char* key) const;
-    [[nodiscard]] qint64 toInteger(const QJsonValue& value, const QString& path) const;
+    JsonReader(std::shared_ptr<const JsonTree> owner, quint32 node);
+    JsonReader(const JsonTree* tree, quint32 node, const JsonReader* parent, const char* key, qsizetype index);
 
-    std::vector<std::pair<QString, QJsonValue>> m_fields;
+    [[nodiscard]] const quint32* find(const char* key) const;
+    [[nodiscard]] quint32 required(const char* key, const char* expected) const;
+    [[nodiscard]] quint32 requiredList(const char* key) const;
+    [[nodiscard]] qsizetype listSize(quint32 list) const;
+    [[nodiscard]] JsonReader child(const char* key) const;
+    [[nodiscard]] JsonReader element(const char* key, quint32 list, qsizetype index) const;
+    [[nodiscard]] QList<qint64> integerList(quint32 node, const char* key) const;
+    [[nodiscard]] qint64 toInteger(quint32 node, const QString& path) const;
+    [[nodiscard]] QString path() const;
+    [[nodiscard]] QString childPath(const char* key) const;
+    [[noreturn]] void mismatch(const QString& path, const char* expected, quint32 node) const;
+
+    std::shared_ptr<const JsonTree> m_owner; // set on the reader that owns the parsed answer
+    const JsonTree* m_tree = nullptr;
+    quint32 m_node = 0;
+    // Where this object sits, spelled out only when a failure needs it.
     QString m_path;
+    const JsonReader* m_parent = nullptr;
+    const char* m_key = nullptr;
+    qsizetype m_index = -1;
+    // Records ask for their fields in about the order the backend writes them: the next look-up
+    // starts after the last hit.
+    mutable quint32 m_hint = 0;
 };
 
 namespace JsonRead {
@@ -88,5 +112,5 @@ namespace JsonRead {
 } // namespace JsonRead
 
 template <class T> [[nodiscard]] T decodeRecord(const QByteArray& body) {
-    return T::decode(JsonReader(JsonReader::parseDocument(body)));
+    return T::decode(JsonReader::fromAnswer(body));
 }

@@ -86,6 +86,10 @@ private Q_SLOTS:
         QTest::newRow("one") << QJsonObject{{"kill_participation", 0.5}};
         QTest::newRow("none") << QJsonObject{};
         QTest::newRow("several") << QJsonObject{{"a", 1.25}, {"b_c", -3.0}};
+        QTest::newRow("keys needing escapes")
+            << QJsonObject{{"say \"gg\"", 1.0}, {"back\\slash", 2.0}, {"tab\there", 3.0}};
+        QTest::newRow("keys beyond ASCII") << QJsonObject{{QString::fromUtf8("Z\xC3\xA9lie"), 0.5}};
+        QTest::newRow("extreme numbers") << QJsonObject{{"tiny", 1e-300}, {"huge", 1.5e300}, {"third", 1.0 / 3.0}};
     }
     void scoreComponents() {
         QFETCH(QJsonObject, components);
