@@ -7,9 +7,11 @@
 #include "archive/archive_store.h"
 #include "game_data/stats.h"
 #include "screens/archive_inputs.h"
+#include "screens/champions_model.h"
 #include "screens/history_model.h"
 #include "screens/match_detail_model.h"
 #include "screens/overview_model.h"
+#include "screens/rank_model.h"
 #include "support/fake_backend.h"
 #include "support/task_result.h"
 #include "synthetic_archive.h"
@@ -108,6 +110,21 @@ int main(int argc, char* argv[]) {
     }), 16);
     ok &= report("overview screen", medianMs([&] {
         OverviewModel model;
+        model.setAppState(&state);
+    }), 16);
+    ok &= report("champion pool screen", medianMs([&] {
+        ChampionsModel model;
+        model.setAppState(&state);
+    }), 16);
+    ChampionsModel pool;
+    pool.setAppState(&state);
+    int sort = 0;
+    ok &= report("champion pool re-sort", medianMs([&] {
+        sort = (sort + 1) % 3;
+        pool.setSort(sort);
+    }), 16);
+    ok &= report("rank screen", medianMs([&] {
+        RankModel model;
         model.setAppState(&state);
     }), 16);
     return ok ? 0 : 1;

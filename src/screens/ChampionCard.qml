@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import QuillFern.Screens
 import QuillFern.Theme
 
 // One champion of the pool. Reads the card's roles through `card`.

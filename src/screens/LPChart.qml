@@ -101,6 +101,7 @@ Item {
             model: root.chart ? root.chart.chartPoints : []
             Rectangle {
                 required property var modelData
+                required property int index
                 x: modelData.x * plot.width - width / 2
                 y: modelData.y * plot.height - height / 2
                 width: hover.containsMouse ? 9 : 6
@@ -141,7 +142,7 @@ Item {
             Text {
                 id: bubbleText
                 anchors.centerIn: parent
-                text: bubble.target ? bubble.target.modelData.caption : ""
+                text: bubble.target && root.chart ? root.chart.pointCaption(bubble.target.index) : ""
                 color: Theme.text
                 font.family: Theme.fontFamily
                 font.pixelSize: 11

@@ -1,5 +1,7 @@
 #include "screens/champions_model.h"
 
+#include "screens/archive_inputs.h"
+
 #include "theme/theme.h"
 
 #include <QVariantMap>
@@ -69,7 +71,7 @@ void ChampionsModel::setSort(int sort) {
     if (chosen == m_sort)
         return;
     m_sort = chosen;
-    recompute();
+    applySort();
 }
 
 QString ChampionsModel::sortLabel(Sort sort) {
@@ -96,17 +98,18 @@ QString ChampionsModel::poolLabel() const {
     return QStringLiteral("Champion Pool · %1").arg(m_cards->rowCount());
 }
 
-void ChampionsModel::order(std::vector<Stats::ChampAgg>& champs, Sort sort) {
+void ChampionsModel::order(std::vector<ChampionCardsModel::Card>& cards, Sort sort) {
+    using Card = ChampionCardsModel::Card;
     switch (sort) {
     case Sort::Played:
         break;
     case Sort::WinRate:
-        std::stable_sort(champs.begin(), champs.end(),
-                         [](const Stats::ChampAgg& a, const Stats::ChampAgg& b) { return a.winRate() > b.winRate(); });
+        std::stable_sort(cards.begin(), cards.end(),
+                         [](const Card& a, const Card& b) { return a.champ.winRate() > b.champ.winRate(); });
         break;
     case Sort::Kda:
-        std::stable_sort(champs.begin(), champs.end(),
-                         [](const Stats::ChampAgg& a, const Stats::ChampAgg& b) { return a.kda > b.kda; });
+        std::stable_sort(cards.begin(), cards.end(),
+                         [](const Card& a, const Card& b) { return a.champ.kda > b.champ.kda; });
         break;
     }
 }
@@ -136,22 +139,24 @@ QString ChampionsModel::scoreText(double score) {
 }
 
 void ChampionsModel::recompute() {
-    std::vector<ChampionCardsModel::Card> cards;
+    m_mostPlayed.clear();
     const QSet<QString> owners = this->owners();
     if (store() && !owners.isEmpty()) {
-        std::vector<const LocalParticipant*> mine;
-        for (const LocalParticipant* row : store()->participants().all())
-            if (owners.contains(row->puuid))
-                mine.push_back(row);
-        std::vector<Stats::ChampAgg> champs = Stats::champions(mine);
-        order(champs, m_sort);
+        std::vector<Stats::ChampAgg> champs = Stats::champions(ArchiveInputs::ownRows(*store(), owners));
         const QHash<qint64, double> scores = scoreByChamp(store()->performanceScores().all());
-        cards.reserve(champs.size());
+        m_mostPlayed.reserve(champs.size());
         for (Stats::ChampAgg& champ : champs) {
             const auto score = scores.constFind(champ.championId);
-            cards.push_back({std::move(champ), score != scores.cend() ? std::optional<double>(*score) : std::nullopt});
+            m_mostPlayed.push_back(
+                {std::move(champ), score != scores.cend() ? std::optional<double>(*score) : std::nullopt});
         }
     }
+    applySort();
+}
+
+void ChampionsModel::applySort() {
+    std::vector<ChampionCardsModel::Card> cards = m_mostPlayed;
+    order(cards, m_sort);
     m_cards->setCards(std::move(cards));
     Q_EMIT changed();
 }

@@ -74,7 +74,7 @@ public:
 
     [[nodiscard]] static QString sortLabel(Sort sort);
     // Re-orders a most-played list; ties keep their most-played order.
-    static void order(std::vector<Stats::ChampAgg>& champs, Sort sort);
+    static void order(std::vector<ChampionCardsModel::Card>& cards, Sort sort);
     // The mean score per champion over the scores of baseline kind "self".
     [[nodiscard]] static QHash<qint64, double> scoreByChamp(const std::vector<const LocalPerformanceScore*>& scores);
     // Whole points, halves away from zero.
@@ -87,6 +87,9 @@ protected:
     void recompute() override;
 
 private:
+    void applySort();
+
     ChampionCardsModel* m_cards;
+    std::vector<ChampionCardsModel::Card> m_mostPlayed;
     Sort m_sort = Sort::Played;
 };

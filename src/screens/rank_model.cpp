@@ -184,6 +184,14 @@ std::vector<qint64> RankModel::lpTicks(qint64 low, qint64 high, int wanted) {
     return ticks;
 }
 
+QString RankModel::pointCaption(int index) const {
+    if (index < 0 || static_cast<std::size_t>(index) >= m_series.size())
+        return {};
+    const LPPoint& point = m_series[static_cast<std::size_t>(index)];
+    return point.label + QStringLiteral(" · ") +
+           QLocale().toString(point.date.toLocalTime().date(), QLocale::ShortFormat);
+}
+
 void RankModel::layoutChart() {
     m_chartPoints.clear();
     m_chartLine.clear();
@@ -213,17 +221,11 @@ void RankModel::layoutChart() {
                         : static_cast<double>(i) / static_cast<double>(n - 1);
     };
 
-    const QLocale locale;
     std::vector<QPointF> points;
     points.reserve(n);
     for (std::size_t i = 0; i < n; ++i) {
-        const LPPoint& point = m_series[i];
-        points.emplace_back(xOf(i), yOf(point.lp));
-        m_chartPoints.append(
-            QVariantMap{{"x", points.back().x()},
-                        {"y", points.back().y()},
-                        {"caption", point.label + QStringLiteral(" · ") +
-                                        locale.toString(point.date.toLocalTime().date(), QLocale::ShortFormat)}});
+        points.emplace_back(xOf(i), yOf(m_series[i].lp));
+        m_chartPoints.append(points.back());
     }
     const int steps = n > 200 ? 1 : n > 60 ? 3 : 10;
     for (const QPointF& p : smoothLine(points, steps))
@@ -259,6 +261,7 @@ void RankModel::layoutChart() {
         if (marks.size() <= 6)
             break;
     }
+    const QLocale locale;
     const bool crossesYears = first.year() != last.year();
     const QString format = chosen.days > 0       ? QStringLiteral("MMM d")
                            : chosen.months == 12 ? QStringLiteral("yyyy")

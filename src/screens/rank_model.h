@@ -64,7 +64,10 @@ public:
     // A line needs two points.
     [[nodiscard]] bool hasChart() const { return m_series.size() > 1; }
     [[nodiscard]] const std::vector<LPPoint>& series() const { return m_series; }
+    // One point per entry of the series, in the unit square.
     [[nodiscard]] const QVariantList& chartPoints() const { return m_chartPoints; }
+    // "Gold II · 3/2/25": what a hovered point tells.
+    Q_INVOKABLE QString pointCaption(int index) const;
     [[nodiscard]] const QVariantList& chartLine() const { return m_chartLine; }
     [[nodiscard]] const QVariantList& yTicks() const { return m_yTicks; }
     [[nodiscard]] const QVariantList& xTicks() const { return m_xTicks; }

@@ -213,18 +213,20 @@ private Q_SLOTS:
         model.setAppState(f.state.get());
         const QVariantList points = model.chartPoints();
         QCOMPARE(points.size(), 3);
-        const auto at = [&](int i, const char* key) { return points.at(i).toMap().value(key).toDouble(); };
-        QCOMPARE(at(0, "x"), 0.0);
-        QCOMPARE(at(1, "x"), 0.25);
-        QCOMPARE(at(2, "x"), 1.0);
-        QVERIFY(at(1, "y") < at(0, "y"));
-        QVERIFY(at(2, "y") > at(0, "y"));
+        const auto at = [&](int i) { return points.at(i).toPointF(); };
+        QCOMPARE(at(0).x(), 0.0);
+        QCOMPARE(at(1).x(), 0.25);
+        QCOMPARE(at(2).x(), 1.0);
+        QVERIFY(at(1).y() < at(0).y());
+        QVERIFY(at(2).y() > at(0).y());
         for (int i = 0; i < 3; ++i)
-            QVERIFY(at(i, "y") >= 0 && at(i, "y") <= 1);
+            QVERIFY(at(i).y() >= 0 && at(i).y() <= 1);
+        QVERIFY(model.pointCaption(1).startsWith(QStringLiteral("Gold III · ")));
+        QVERIFY(model.pointCaption(3).isEmpty());
         // The line runs through every point.
         const QVariantList line = model.chartLine();
         for (int i = 0; i < 3; ++i) {
-            const QPointF point(at(i, "x"), at(i, "y"));
+            const QPointF point = at(i);
             QVERIFY(std::any_of(line.begin(), line.end(),
                                 [&](const QVariant& v) { return (v.toPointF() - point).manhattanLength() < 1e-9; }));
         }
