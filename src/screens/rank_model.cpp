@@ -227,8 +227,9 @@ void RankModel::layoutChart() {
         points.emplace_back(xOf(i), yOf(m_series[i].lp));
         m_chartPoints.append(points.back());
     }
-    const int steps = n > 200 ? 1 : n > 60 ? 3 : 10;
-    for (const QPointF& p : smoothLine(points, steps))
+    // Dense series are already smooth at screen resolution.
+    const int samples = n > 200 ? 1 : n > 60 ? 3 : 10;
+    for (const QPointF& p : smoothLine(points, samples))
         m_chartLine.append(p);
 
     if (span <= 0)
@@ -238,12 +239,12 @@ void RankModel::layoutChart() {
         int days;
         int months;
     };
-    static constexpr DateStep steps_[] = {{1, 0}, {2, 0}, {7, 0}, {14, 0}, {0, 1}, {0, 2}, {0, 3}, {0, 6}, {0, 12}};
+    static constexpr DateStep dateSteps[] = {{1, 0}, {2, 0}, {7, 0}, {14, 0}, {0, 1}, {0, 2}, {0, 3}, {0, 6}, {0, 12}};
     const QDate first = m_series.front().date.toLocalTime().date();
     const QDate last = m_series.back().date.toLocalTime().date();
     std::vector<QDate> marks;
     DateStep chosen{0, 12};
-    for (const DateStep& step : steps_) {
+    for (const DateStep& step : dateSteps) {
         marks.clear();
         QDate d = first;
         if (step.days == 7 || step.days == 14)

@@ -232,6 +232,37 @@ private Q_SLOTS:
         }
     }
 
+    void dateMarksFitTheSpan_data() {
+        QTest::addColumn<QString>("from");
+        QTest::addColumn<QString>("to");
+        QTest::newRow("three days") << "2025-03-01T12:00:00Z"
+                                    << "2025-03-04T12:00:00Z";
+        QTest::newRow("six weeks") << "2025-03-01T12:00:00Z"
+                                   << "2025-04-12T12:00:00Z";
+        QTest::newRow("half a year") << "2025-01-15T12:00:00Z"
+                                     << "2025-07-20T12:00:00Z";
+        QTest::newRow("three years") << "2022-05-01T12:00:00Z"
+                                     << "2025-04-01T12:00:00Z";
+    }
+    void dateMarksFitTheSpan() {
+        QFETCH(QString, from);
+        QFETCH(QString, to);
+        ScreenFixture f;
+        store(f, {{from, "GOLD", "IV", 0, 0, 0}, {to, "GOLD", "I", 0, 0, 0}});
+        RankModel model;
+        model.setAppState(f.state.get());
+        const QVariantList marks = model.xTicks();
+        QVERIFY2(marks.size() >= 1 && marks.size() <= 6, qPrintable(QString::number(marks.size())));
+        double previous = -1;
+        for (const QVariant& mark : marks) {
+            const double x = mark.toMap().value("x").toDouble();
+            QVERIFY(x >= 0 && x <= 1);
+            QVERIFY(x > previous);
+            previous = x;
+            QVERIFY(!mark.toMap().value("text").toString().isEmpty());
+        }
+    }
+
     void smoothLineStaysBetweenItsPoints_data() {
         QTest::addColumn<QList<QPointF>>("points");
         QTest::newRow("sharp peak") << QList<QPointF>{{0, 1}, {0.1, 0}, {0.2, 1}, {1, 1}};
