@@ -45,8 +45,11 @@ QJsonObject accountJson(const RiotAccountDTO& a) {
 void settle(int ms) {
     QElapsedTimer timer;
     timer.start();
-    while (timer.elapsed() < ms)
+    while (timer.elapsed() < ms) {
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        // Views a Loader replaced are deleted later; they must be gone before the next search.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
 }
 
 bool waitUntil(const std::function<bool()>& done, int ms = 15000) {

@@ -1,17 +1,34 @@
 #include "screens/archive_inputs.h"
 
+#include <QStringList>
 #include <algorithm>
 #include <limits>
 
 namespace ArchiveInputs {
 
 std::vector<const LocalMatch*> matchesNewestFirst(const ArchiveStore& store) {
-    std::vector<const LocalMatch*> matches = store.matches().all();
-    const auto key = [](const LocalMatch* m) {
-        return m->gameCreation ? m->gameCreation->toMSecsSinceEpoch() : std::numeric_limits<qint64>::min();
-    };
-    std::stable_sort(matches.begin(), matches.end(), [&](const LocalMatch* a, const LocalMatch* b) { return key(a) > key(b); });
+    const std::vector<const LocalMatch*> all = store.matches().all();
+    // Sort keys once: reading a date inside the comparison would redo it log n times per match.
+    std::vector<std::pair<qint64, const LocalMatch*>> keyed;
+    keyed.reserve(all.size());
+    for (const LocalMatch* m : all)
+        keyed.emplace_back(m->gameCreation ? m->gameCreation->toMSecsSinceEpoch() : std::numeric_limits<qint64>::min(), m);
+    std::stable_sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) { return a.first > b.first; });
+    std::vector<const LocalMatch*> matches;
+    matches.reserve(keyed.size());
+    for (const auto& [key, m] : keyed)
+        matches.push_back(m);
     return matches;
+}
+
+std::vector<const LocalParticipant*> ownRows(const ArchiveStore& store, const QSet<QString>& owners) {
+    // One or two linked accounts: comparing against each beats hashing every row's 78-character id.
+    const QStringList list = owners.values();
+    std::vector<const LocalParticipant*> mine;
+    for (const LocalParticipant* row : store.participants().all())
+        if (std::any_of(list.begin(), list.end(), [row](const QString& owner) { return owner == row->puuid; }))
+            mine.push_back(row);
+    return mine;
 }
 
 } // namespace ArchiveInputs

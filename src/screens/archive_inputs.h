@@ -9,5 +9,7 @@ namespace ArchiveInputs {
 
 // Every stored match, newest first; matches without a creation date come last.
 [[nodiscard]] std::vector<const LocalMatch*> matchesNewestFirst(const ArchiveStore& store);
+// The user's own rows.
+[[nodiscard]] std::vector<const LocalParticipant*> ownRows(const ArchiveStore& store, const QSet<QString>& owners);
 
 } // namespace ArchiveInputs

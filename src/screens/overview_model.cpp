@@ -89,11 +89,7 @@ void OverviewModel::recompute() {
         const auto matches = ArchiveInputs::matchesNewestFirst(*store());
         const auto participants = store()->participants().all();
         timeline = Stats::timeline(matches, participants, owners);
-        std::vector<const LocalParticipant*> mine;
-        for (const LocalParticipant* row : participants)
-            if (owners.contains(row->puuid))
-                mine.push_back(row);
-        champs = Stats::champions(mine);
+        champs = Stats::champions(ArchiveInputs::ownRows(*store(), owners));
         games = Stats::games(matches, participants, owners, appState() ? appState()->friendGameNames() : QSet<QString>());
     }
 
