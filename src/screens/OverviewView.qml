@@ -29,22 +29,20 @@ Item {
             spacing: 16
 
             // Nothing of the user's yet.
-            ColumnLayout {
+            Loader {
                 visible: overview.isEmpty
-                Layout.fillWidth: true
-                spacing: 16
-                Loader {
-                    Layout.alignment: Qt.AlignHCenter
-                    Layout.preferredWidth: Math.min(560, scroller.availableWidth)
-                    sourceComponent: root.linkCard
-                }
-                EmptyState {
-                    Layout.alignment: Qt.AlignHCenter
-                    Layout.topMargin: 30
-                    icon: "square.grid.2x2"
-                    title: "No data yet"
-                    message: overview.emptyMessage
-                }
+                active: overview.isEmpty
+                Layout.alignment: Qt.AlignHCenter
+                Layout.preferredWidth: Math.min(560, scroller.availableWidth)
+                sourceComponent: root.linkCard
+            }
+            EmptyState {
+                visible: overview.isEmpty
+                Layout.alignment: Qt.AlignHCenter
+                Layout.topMargin: 30
+                icon: "square.grid.2x2"
+                title: "No data yet"
+                message: overview.emptyMessage
             }
 
             // Hero.

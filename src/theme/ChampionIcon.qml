@@ -9,7 +9,8 @@ Item {
     property real size: 40
     property bool ring: false
     property color ringColor: Qt.rgba(1, 1, 1, 0.16)
-    readonly property var fallbackColors: Theme.nameGradient(name)
+    // Without a name there is no champion to hint at: a neutral tile with a person instead.
+    readonly property var fallbackColors: name.length > 0 ? Theme.nameGradient(name) : Theme.tierGradient("")
 
     implicitWidth: size
     implicitHeight: size
@@ -34,8 +35,16 @@ Item {
                 GradientStop { position: 0.55; color: Qt.rgba(1, 1, 1, 0) }
             }
         }
+        Symbol {
+            anchors.centerIn: parent
+            visible: root.name.length === 0
+            name: "person.crop.circle.fill"
+            size: root.size * 0.55
+            color: Qt.rgba(1, 1, 1, 0.85)
+        }
         Text {
             anchors.centerIn: parent
+            visible: root.name.length > 0
             text: root.name.substring(0, 2).toUpperCase()
             color: "white"
             font.family: Theme.fontFamily
