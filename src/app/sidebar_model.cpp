@@ -7,32 +7,6 @@
 
 #include <algorithm>
 
-void SidebarModel::setAppState(AppState* state) {
-    if (m_state == state)
-        return;
-    if (m_state)
-        disconnect(m_state, nullptr, this, nullptr);
-    m_state = state;
-    if (m_state) {
-        connect(m_state, &AppState::riotAccountsChanged, this, &SidebarModel::recompute);
-        connect(m_state, &AppState::contextChanged, this, &SidebarModel::attachStore);
-    }
-    attachStore();
-    Q_EMIT appStateChanged();
-}
-
-void SidebarModel::attachStore() {
-    ArchiveStore* store = m_state ? m_state->context() : nullptr;
-    if (m_store != store) {
-        if (m_store)
-            disconnect(m_store, nullptr, this, nullptr);
-        m_store = store;
-        if (m_store)
-            connect(m_store, &ArchiveStore::changed, this, &SidebarModel::recompute);
-    }
-    recompute();
-}
-
 QString SidebarModel::accountNameOf(const QList<RiotAccountDTO>& accounts) {
     const QString riotId = accounts.isEmpty() ? QString() : accounts.first().riotId();
     return riotId.isEmpty() ? QStringLiteral("Summoner") : riotId;
@@ -71,18 +45,18 @@ QString SidebarModel::rankLineOf(const LocalRankSnapshot* solo) {
 }
 
 void SidebarModel::recompute() {
-    const QList<RiotAccountDTO> accounts = m_state ? m_state->riotAccounts() : QList<RiotAccountDTO>();
+    const QList<RiotAccountDTO> accounts = appState() ? appState()->riotAccounts() : QList<RiotAccountDTO>();
     m_accountName = accountNameOf(accounts);
     m_toolbarAccount = toolbarAccountOf(accounts);
     m_hasAccounts = !accounts.isEmpty();
     m_avatarIconId = !accounts.isEmpty() && accounts.first().profileIconId ? int(*accounts.first().profileIconId) : -1;
 
-    if (m_store) {
-        m_archivedCount = int(m_store->matches().count());
-        m_rankLine = rankLineOf(soloOf(m_store->rankSnapshots().all()));
+    if (store()) {
+        m_archivedCount = int(store()->matches().count());
+        m_rankLine = rankLineOf(soloOf(store()->rankSnapshots().all()));
         const QSet<QString> owners = ownersOf(accounts);
         std::vector<const LocalParticipant*> mine;
-        for (const LocalParticipant* p : m_store->participants().all())
+        for (const LocalParticipant* p : store()->participants().all())
             if (owners.contains(p->puuid))
                 mine.push_back(p);
         const auto champions = Stats::champions(mine);

@@ -12,16 +12,14 @@
 #include <optional>
 #include <vector>
 
-#include "app/app_state.h"
-class ArchiveStore;
+#include "app/screen_model.h"
 
 // What the sidebar and the toolbar show about the player: the account card (name, rank line,
 // picture) and the archive count. Recomputed whenever the store or the accounts change.
-class SidebarModel : public QObject {
+class SidebarModel : public ScreenModel {
     Q_OBJECT
     QML_ELEMENT
 
-    Q_PROPERTY(AppState* appState READ appState WRITE setAppState NOTIFY appStateChanged)
     Q_PROPERTY(QString accountName READ accountName NOTIFY changed)
     Q_PROPERTY(QString toolbarAccount READ toolbarAccount NOTIFY changed)
     Q_PROPERTY(QString rankLine READ rankLine NOTIFY changed)
@@ -31,10 +29,7 @@ class SidebarModel : public QObject {
     Q_PROPERTY(bool hasAccounts READ hasAccounts NOTIFY changed)
 
 public:
-    explicit SidebarModel(QObject* parent = nullptr) : QObject(parent) {}
-
-    [[nodiscard]] AppState* appState() const { return m_state; }
-    void setAppState(AppState* state);
+    explicit SidebarModel(QObject* parent = nullptr) : ScreenModel(parent) {}
 
     [[nodiscard]] const QString& accountName() const { return m_accountName; }
     [[nodiscard]] const QString& toolbarAccount() const { return m_toolbarAccount; }
@@ -53,15 +48,12 @@ public:
     [[nodiscard]] static QSet<QString> ownersOf(const QList<RiotAccountDTO>& accounts);
 
 Q_SIGNALS:
-    void appStateChanged();
     void changed();
 
-private:
-    void attachStore();
-    void recompute();
+protected:
+    void recompute() override;
 
-    QPointer<AppState> m_state;
-    QPointer<ArchiveStore> m_store;
+private:
     QString m_accountName = QStringLiteral("Summoner");
     QString m_toolbarAccount = QStringLiteral("Account");
     QString m_rankLine = QStringLiteral("Unranked");

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "game_data/stats.h"
-#include "screens/screen_model.h"
+#include "app/screen_model.h"
 
 #include <QAbstractListModel>
 #include <QHash>

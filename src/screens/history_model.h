@@ -1,7 +1,7 @@
 #pragma once
 
 #include "screens/match_list_model.h"
-#include "screens/screen_model.h"
+#include "app/screen_model.h"
 
 #include <QVariantList>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "screens/screen_model.h"
+#include "app/screen_model.h"
 
 #include <QDateTime>
 #include <QPointF>

@@ -1,4 +1,4 @@
-#include "screens/screen_model.h"
+#include "app/screen_model.h"
 
 void ScreenModel::setAppState(AppState* state) {
     if (m_state == state)
