@@ -7,22 +7,26 @@
 #include <optional>
 
 // One player's line in one stored game.
+//
+// The fields every screen's statistics read for every row come first and together, so that a
+// pass over a large archive reads two cache lines of each row rather than four.
 struct LocalParticipant {
     qint64 localId = 0;
     qint64 serverId = 0;
     qint64 matchServerId = 0;
+    qint64 teamId = 0;
     QString puuid;
     std::optional<QString> riotIdGameName;
-    std::optional<QString> riotIdTagLine;
-    qint64 teamId = 0;
-    bool win = false;
     qint64 championId = 0;
-    QString championName;
-    std::optional<QString> teamPosition;
-    std::optional<qint64> champLevel;
     qint64 kills = 0;
     qint64 deaths = 0;
     qint64 assists = 0;
+    std::optional<double> csPerMin;
+    bool win = false;
+    QString championName;
+    std::optional<QString> riotIdTagLine;
+    std::optional<QString> teamPosition;
+    std::optional<qint64> champLevel;
     qint64 totalCs = 0;
     qint64 goldEarned = 0;
     qint64 visionScore = 0;
@@ -30,7 +34,6 @@ struct LocalParticipant {
     QList<qint64> items;
     std::optional<double> teamDamagePct;
     std::optional<double> killParticipation;
-    std::optional<double> csPerMin;
     std::optional<QString> rankTier;
     std::optional<QString> rankDivision;
     std::optional<qint64> rankLp;

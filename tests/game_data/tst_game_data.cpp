@@ -73,6 +73,13 @@ private Q_SLOTS:
         QTest::newRow("unknown mode capitalised") << qint64(2000) << text("TUTORIAL") << "Other" << "Tutorial";
         QTest::newRow("one for all") << qint64(1020) << text("ONEFORALL") << "Other" << "One for All";
         QTest::newRow("empty mode") << qint64(1234) << text("") << "Other" << "Queue 1234";
+        QTest::newRow("normal draft") << qint64(400) << text("CLASSIC") << "Normal" << "Normal Draft";
+        QTest::newRow("ARAM clash") << qint64(720) << text("ARAM") << "Normal" << "Clash";
+        QTest::newRow("nexus blitz") << qint64(1300) << text("NEXUSBLITZ") << "Other" << "Nexus Blitz";
+        QTest::newRow("spellbook") << qint64(1400) << text("ultbook") << "Other" << "Ultimate Spellbook";
+        QTest::newRow("brawl") << qint64(2300) << text("BRAWL") << "Other" << "Brawl";
+        QTest::newRow("unknown mode of two words") << qint64(2000) << text("DOOM bots") << "Other" << "Doom Bots";
+        QTest::newRow("missing mode on an unknown queue") << qint64(2000) << none << "Other" << "Queue 2000";
     }
     void classification() {
         QFETCH(qint64, queue);
@@ -98,6 +105,8 @@ private Q_SLOTS:
         QTest::newRow("empty") << text("") << "\u2014";
         QTest::newRow("missing") << none << "\u2014";
         QTest::newRow("unknown") << text("CARRY") << "\u2014";
+        QTest::newRow("top") << text("TOP") << "Top";
+        QTest::newRow("jungle mixed case") << text("Jungle") << "Jungle";
     }
     void positions() {
         QFETCH(std::optional<QString>, position);
@@ -122,6 +131,10 @@ private Q_SLOTS:
         QTest::newRow("unknown division") << text("GOLD") << text("V") << qint64(10) << qint64(1210) << "Gold V";
         QTest::newRow("unknown tier") << text("UNRANKED") << text("II") << qint64(0) << qint64(-1) << "Unranked II";
         QTest::newRow("no tier") << none << text("II") << qint64(10) << qint64(-1) << "Unranked";
+        QTest::newRow("grandmaster") << text("GRANDMASTER") << text("I") << qint64(0) << qint64(3200) << "Grandmaster";
+        QTest::newRow("challenger lower case") << text("challenger") << none << qint64(1200) << qint64(4800)
+                                               << "Challenger";
+        QTest::newRow("no division below master") << text("SILVER") << none << qint64(30) << qint64(830) << "Silver";
     }
     void rankMath() {
         QFETCH(std::optional<QString>, tier);

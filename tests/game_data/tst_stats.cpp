@@ -1,0 +1,198 @@
+#include "game_data/stats.h"
+
+#include <QTest>
+#include <memory>
+
+namespace {
+
+// Matches and rows built in place, in the order a test lists them; the archive keeps them alive.
+struct Archive {
+    std::vector<std::unique_ptr<LocalMatch>> matchStore;
+    std::vector<std::unique_ptr<LocalParticipant>> rowStore;
+    std::vector<const LocalMatch*> matches;
+    std::vector<const LocalParticipant*> rows;
+
+    void match(qint64 id) {
+        matchStore.push_back(std::make_unique<LocalMatch>());
+        matchStore.back()->serverId = id;
+        matches.push_back(matchStore.back().get());
+    }
+    const LocalParticipant* row(qint64 match, const QString& puuid, qint64 team = 100,
+                                std::optional<QString> name = std::nullopt) {
+        rowStore.push_back(std::make_unique<LocalParticipant>());
+        LocalParticipant& p = *rowStore.back();
+        p.matchServerId = match;
+        p.puuid = puuid;
+        p.teamId = team;
+        p.riotIdGameName = std::move(name);
+        rows.push_back(&p);
+        return &p;
+    }
+};
+
+std::vector<QString> puuidsOf(const std::vector<const LocalParticipant*>& rows) {
+    std::vector<QString> ids;
+    for (const LocalParticipant* row : rows)
+        ids.push_back(row->puuid);
+    return ids;
+}
+
+// A realistic id: every puuid has the same length, so only the content tells them apart.
+QString id(const char* tag) {
+    return QString::fromLatin1(tag).leftJustified(78, QLatin1Char('-'));
+}
+
+} // namespace
+
+// The statistics' fast paths: rows of one game that do not come together, names lower-cased
+// without a copy, many linked accounts, many friends.
+class TestStats : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void friendNamesAnyCase_data() {
+        QTest::addColumn<QString>("entry"); // a friend name as the app keeps it: lower case
+        QTest::addColumn<QString>("shown"); // the team-mate's game name in the row
+        QTest::addColumn<bool>("isFriend");
+        QTest::newRow("same") << "ann"
+                              << "ann" << true;
+        QTest::newRow("upper case") << "ann"
+                                    << "ANN" << true;
+        QTest::newRow("with a space") << "kettle drum"
+                                      << "Kettle Drum" << true;
+        QTest::newRow("longer name") << "ann"
+                                     << "Anne" << false;
+        QTest::newRow("shorter name") << "anne"
+                                      << "Ann" << false;
+        QTest::newRow("accented upper case") << QString::fromUtf8("zélie") << QString::fromUtf8("ZÉLIE") << true;
+        QTest::newRow("accent differs") << QString::fromUtf8("zélie") << "ZELIE" << false;
+        QTest::newRow("Greek") << QString::fromUtf8("σοφια") << QString::fromUtf8("ΣΟΦΙΑ") << true;
+        QTest::newRow("dotted capital I grows when lowered")
+            << QString::fromUtf8("i\xCC\x87pek") << QString::fromUtf8("\xC4\xB0pek") << true;
+        QTest::newRow("beyond the BMP") << QString::fromUtf8("\xF0\x90\x90\xA8")
+                                        << QString::fromUtf8("\xF0\x90\x90\x80") << true;
+        QTest::newRow("long name") << QString(70, QLatin1Char('x')) << QString(70, QLatin1Char('X')) << true;
+        QTest::newRow("empty name") << "ann"
+                                    << "" << false;
+    }
+    void friendNamesAnyCase() {
+        QFETCH(QString, entry);
+        QFETCH(QString, shown);
+        QFETCH(bool, isFriend);
+        QCOMPARE(shown.toLower() == entry, isFriend); // the rule itself, as a check on the table
+        Archive a;
+        a.match(1);
+        a.row(1, id("me"));
+        a.row(1, id("mate"), 100, shown);
+        const auto games = Stats::games(a.matches, a.rows, {id("me")}, {entry, QStringLiteral("someone else")});
+        QCOMPARE(games.size(), std::size_t(1));
+        QCOMPARE(games[0].friends.size(), std::size_t(isFriend ? 1 : 0));
+    }
+
+    // The store keeps a game's rows together, but nothing promises it: the user's row may come
+    // after other rows of the game, with rows of other games in between.
+    void gameRowsApart() {
+        Archive a;
+        a.match(1);
+        a.match(2);
+        a.row(1, id("ann"), 100, QStringLiteral("Ann")); // a friend, before the user's row is known
+        a.row(1, id("foe"), 200, QStringLiteral("Bob")); // a friend's name on the other team
+        a.row(2, id("me"));
+        a.row(2, id("x"));
+        a.row(1, id("alt"), 100, QStringLiteral("Bob")); // the user's second account, a friend's name
+        a.row(1, id("me"));                              // the user's first row in game 1
+        a.row(1, id("bob"), 100, QStringLiteral("BOB"));
+        const QSet<QString> owners{id("me"), id("alt")};
+        const auto games = Stats::games(a.matches, a.rows, owners, {"ann", "bob"});
+        QCOMPARE(games.size(), std::size_t(2));
+        QCOMPARE(games[0].me->puuid, id("alt")); // the first own row in input order
+        QCOMPARE(puuidsOf(games[0].roster),
+                 (std::vector<QString>{id("ann"), id("foe"), id("alt"), id("me"), id("bob")}));
+        QCOMPARE(puuidsOf(games[0].friends), (std::vector<QString>{id("ann"), id("bob")}));
+        QCOMPARE(puuidsOf(games[1].roster), (std::vector<QString>{id("me"), id("x")}));
+
+        const auto timeline = Stats::timeline(a.matches, a.rows, owners);
+        QCOMPARE(timeline.size(), std::size_t(2));
+        QCOMPARE(timeline[0].me, games[0].me);
+        QCOMPARE(timeline[1].me, games[1].me);
+    }
+
+    void linkedAccountWithAFriendsName() {
+        Archive a;
+        a.match(1);
+        a.row(1, id("me"));
+        a.row(1, id("alt"), 100, QStringLiteral("Ann"));
+        const auto games = Stats::games(a.matches, a.rows, {id("me"), id("alt")}, {"ann"});
+        QCOMPARE(games.size(), std::size_t(1));
+        QVERIFY(games[0].friends.empty());
+    }
+
+    void sameGameListedTwice() {
+        Archive a;
+        a.match(1);
+        a.match(1);
+        a.row(1, id("me"));
+        a.row(1, id("x"));
+        const auto games = Stats::games(a.matches, a.rows, {id("me")}, {});
+        QCOMPARE(games.size(), std::size_t(2));
+        QCOMPARE(games[0].roster, games[1].roster);
+        QCOMPARE(Stats::timeline(a.matches, a.rows, {id("me")}).size(), std::size_t(2));
+    }
+
+    void manyAccountsAndManyFriends() {
+        Archive a;
+        QSet<QString> owners;
+        QSet<QString> friends;
+        for (int i = 0; i < 12; ++i)
+            owners.insert(id(qPrintable(QStringLiteral("acct%1").arg(i))));
+        for (int i = 0; i < 300; ++i)
+            friends.insert(QStringLiteral("friend%1").arg(i));
+        for (int game = 1; game <= 40; ++game) {
+            a.match(game);
+            a.row(game, id("stranger"), 100, QStringLiteral("Friend%1").arg(game * 7 + 1000)); // not a friend
+            a.row(game, id(qPrintable(QStringLiteral("acct%1").arg(game % 12))));
+            a.row(game, id("mate"), 100, QStringLiteral("FRIEND%1").arg(game * 7));
+        }
+        const auto games = Stats::games(a.matches, a.rows, owners, friends);
+        QCOMPARE(games.size(), std::size_t(40));
+        for (const Stats::Game& game : games) {
+            QCOMPARE(game.me->puuid, id(qPrintable(QStringLiteral("acct%1").arg(game.match->serverId % 12))));
+            QCOMPARE(puuidsOf(game.friends), std::vector<QString>{id("mate")});
+        }
+    }
+
+    void championsCountRowsOfUnlistedGames() {
+        Archive a;
+        a.match(1);
+        LocalParticipant* listed = const_cast<LocalParticipant*>(a.row(1, id("me")));
+        LocalParticipant* unlisted = const_cast<LocalParticipant*>(a.row(2, id("me")));
+        listed->championId = unlisted->championId = 103;
+        listed->kills = 4;
+        unlisted->deaths = 2;
+        unlisted->assists = 2;
+        QCOMPARE(Stats::games(a.matches, a.rows, {id("me")}, {}).size(), std::size_t(1));
+        QCOMPARE(Stats::timeline(a.matches, a.rows, {id("me")}).size(), std::size_t(1));
+        const auto champions = Stats::champions(a.rows);
+        QCOMPARE(champions.size(), std::size_t(1));
+        QCOMPARE(champions[0].games, 2);
+        QCOMPARE(champions[0].kda, (4.0 + 1.0) / 2);
+    }
+
+    void championsMostPlayedFirst() {
+        Archive a;
+        for (qint64 champion : {5, 7, 7, 9, 7, 9}) {
+            LocalParticipant* row = const_cast<LocalParticipant*>(a.row(1, id("me")));
+            row->championId = champion;
+            row->championName = QStringLiteral("C%1").arg(champion);
+        }
+        const auto champions = Stats::champions(a.rows);
+        QCOMPARE(champions.size(), std::size_t(3));
+        QCOMPARE(champions[0].championId, 7);
+        QCOMPARE(champions[1].championId, 9);
+        QCOMPARE(champions[2].championId, 5);
+        QCOMPARE(champions[0].name, QStringLiteral("C7"));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestStats)
+#include "tst_stats.moc"
