@@ -67,6 +67,19 @@ private Q_SLOTS:
         QTest::newRow("month 13") << "2025-13-01T18:04:05Z" << qint64(-1);
         QTest::newRow("empty") << "" << qint64(-1);
         QTest::newRow("words") << "yesterday" << qint64(-1);
+        // The usual shapes are read without the general formatters and must agree with them.
+        QTest::newRow("fraction truncated") << "2025-03-01T18:04:05.999999+00:00" << base + 999;
+        QTest::newRow("negative half-hour offset") << "2025-03-01T18:04:05.000001-05:30" << base + 5 * 3600000 + 30 * 60000;
+        QTest::newRow("offset past midnight") << "2025-01-01T00:30:00+01:00" << QDateTime(QDate(2024, 12, 31), QTime(23, 30), QTimeZone::utc()).toMSecsSinceEpoch();
+        QTest::newRow("leap day") << "2024-02-29T12:00:00Z" << QDateTime(QDate(2024, 2, 29), QTime(12, 0), QTimeZone::utc()).toMSecsSinceEpoch();
+        QTest::newRow("no leap day") << "2025-02-29T12:00:00Z" << qint64(-1);
+        QTest::newRow("hour 24") << "2025-03-01T24:00:00Z" << qint64(-1);
+        QTest::newRow("minute 60") << "2025-03-01T18:60:00Z" << qint64(-1);
+        QTest::newRow("month 0") << "2025-00-10T18:04:05Z" << qint64(-1);
+        QTest::newRow("offset minutes 60") << "2025-03-01T18:04:05+01:60" << qint64(-1);
+        QTest::newRow("lower-case t") << "2025-03-01t18:04:05Z" << qint64(-1);
+        QTest::newRow("space for T") << "2025-03-01 18:04:05Z" << qint64(-1);
+        QTest::newRow("trailing space") << "2025-03-01T18:04:05Z " << qint64(-1);
     }
     void backendDate() {
         QFETCH(QString, text);

@@ -218,39 +218,6 @@ private Q_SLOTS:
         QVERIFY2(text.contains(QStringLiteral("duos[1]")) && text.contains(QStringLiteral("a number")),
                  qPrintable(text));
     }
-
-    // The backend's usual timestamp shapes are read without the general formatters; they must
-    // agree with them, and leave everything unusual to them.
-    void commonTimestamps_data() {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<qint64>("expectedMs"); // -1: no date
-        const auto at = [](int y, int mo, int d, int h, int mi, int s) {
-            return QDateTime(QDate(y, mo, d), QTime(h, mi, s), QTimeZone::utc()).toMSecsSinceEpoch();
-        };
-        QTest::newRow("fraction truncated") << "2025-03-01T18:04:05.999999+00:00" << at(2025, 3, 1, 18, 4, 5) + 999;
-        QTest::newRow("negative half-hour offset") << "2025-03-01T18:04:05.000001-05:30" << at(2025, 3, 1, 23, 34, 5);
-        QTest::newRow("offset past midnight") << "2025-01-01T00:30:00+01:00" << at(2024, 12, 31, 23, 30, 0);
-        QTest::newRow("leap day") << "2024-02-29T12:00:00Z" << at(2024, 2, 29, 12, 0, 0);
-        QTest::newRow("no leap day") << "2025-02-29T12:00:00Z" << qint64(-1);
-        QTest::newRow("hour 24") << "2025-03-01T24:00:00Z" << qint64(-1);
-        QTest::newRow("minute 60") << "2025-03-01T18:60:00Z" << qint64(-1);
-        QTest::newRow("month 0") << "2025-00-10T18:04:05Z" << qint64(-1);
-        QTest::newRow("offset minutes 60") << "2025-03-01T18:04:05+01:60" << qint64(-1);
-        QTest::newRow("lower-case t") << "2025-03-01t18:04:05Z" << qint64(-1);
-        QTest::newRow("space for T") << "2025-03-01 18:04:05Z" << qint64(-1);
-        QTest::newRow("trailing space") << "2025-03-01T18:04:05Z " << qint64(-1);
-    }
-    void commonTimestamps() {
-        QFETCH(QString, text);
-        QFETCH(qint64, expectedMs);
-        const auto date = BackendDate::fromBackend(text);
-        if (expectedMs < 0) {
-            QVERIFY2(!date, qPrintable(date ? date->toString(Qt::ISODateWithMs) : QString()));
-        } else {
-            QVERIFY(date);
-            QCOMPARE(date->toMSecsSinceEpoch(), expectedMs);
-        }
-    }
 };
 
 QTEST_GUILESS_MAIN(TestJsonReader)
