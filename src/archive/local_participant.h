@@ -1,5 +1,6 @@
 #pragma once
 
+#include "archive/keyed_text.h"
 #include "backend/archive_records.h"
 
 #include <QList>
@@ -8,15 +9,16 @@
 
 // One player's line in one stored game.
 //
-// The fields every screen's statistics read for every row come first and together, so that a
-// pass over a large archive reads two cache lines of each row rather than four.
-struct LocalParticipant {
-    qint64 localId = 0;
-    qint64 serverId = 0;
+// The fields the statistics read for every row come first and fit in one cache line when the row
+// starts on one: the game, the team, and the keys of the game name and of the player's id. A
+// pass over a large archive reads that line of each row and the texts only where a key agrees.
+struct alignas(64) LocalParticipant {
+    std::optional<PlayerName> riotIdGameName;
     qint64 matchServerId = 0;
     qint64 teamId = 0;
-    QString puuid;
-    std::optional<QString> riotIdGameName;
+    PlayerId puuid;
+    qint64 localId = 0;
+    qint64 serverId = 0;
     qint64 championId = 0;
     qint64 kills = 0;
     qint64 deaths = 0;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "archive/record_columns.h"
+#include "archive/text_pool.h"
 
 #include <QtGlobal>
 #include <algorithm>
@@ -38,6 +39,7 @@ public:
         Row* row = rowOf(record);
         if (!row || !row->alive)
             return;
+        shareTexts(*record);
         if constexpr (HasMatchServerId<Record>) {
             unindexMatch(*row);
             m_byMatch[record->matchServerId].push_back(record);
@@ -69,6 +71,7 @@ public:
         m_toDelete.clear();
         m_byServer.clear();
         m_byMatch.clear();
+        m_texts.clear();
         m_wipe = true;
     }
 
@@ -110,6 +113,8 @@ public:
     }
 
     [[nodiscard]] qsizetype count() const { return static_cast<qsizetype>(m_liveCount); }
+    // How many distinct texts the records share, for memory reports.
+    [[nodiscard]] qsizetype sharedTextCount() const { return m_texts.size(); }
 
     // What the next save must do.
     [[nodiscard]] bool hasChanges() const {
@@ -139,6 +144,7 @@ public:
             std::erase_if(m_rows, [](const Row& row) { return !row.alive; });
             m_deadRows = 0;
             m_savedRows = 0;
+            m_texts.prune();
         }
         for (std::size_t i = m_savedRows; i < m_rows.size(); ++i)
             m_rows[i].persisted = true;
@@ -153,8 +159,13 @@ private:
         qint64 matchKey = 0; // the game the record is indexed under, for types that belong to one
     };
 
+    void shareTexts(Record& record) {
+        RecordColumns<Record>::visit(record, [this](const char*, auto& field) { m_texts.share(field); });
+    }
+
     void addRow(std::unique_ptr<Record> record, bool persisted) {
         Record* raw = record.get();
+        shareTexts(*raw);
         m_rows.push_back({std::move(record), true, persisted, 0});
         ++m_liveCount;
         m_byServer.emplace(raw->serverId, raw);
@@ -205,5 +216,6 @@ private:
     std::unordered_map<qint64, std::vector<Record*>> m_byMatch;
     std::vector<Record*> m_toWrite; // in call order, may repeat
     std::vector<qint64> m_toDelete;
+    TextPool m_texts;
     bool m_wipe = false;
 };

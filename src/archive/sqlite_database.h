@@ -1,5 +1,7 @@
 #pragma once
 
+#include "archive/keyed_text.h"
+
 #include <QDateTime>
 #include <QList>
 #include <QString>
@@ -45,6 +47,11 @@ public:
     void read(int column, QString& out) const;
     void read(int column, QDateTime& out) const;
     void read(int column, QList<qint64>& out) const;
+    template <class KeyOf> void read(int column, KeyedText<KeyOf>& out) const {
+        QString text;
+        read(column, text);
+        out = std::move(text);
+    }
     template <class T> void read(int column, std::optional<T>& out) const {
         if (isNull(column)) {
             out.reset();

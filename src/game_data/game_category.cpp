@@ -1,5 +1,7 @@
 #include "game_data/game_category.h"
 
+#include <algorithm>
+
 namespace GameCategories {
 
 GameCategory of(qint64 queueId, const std::optional<QString>& gameMode) {
@@ -10,11 +12,20 @@ GameCategory of(qint64 queueId, const std::optional<QString>& gameMode) {
     case 1700: case 1710: return GameCategory::Arena;
     default: break;
     }
-    const QString mode = gameMode.value_or(QString()).toUpper();
-    if (mode == QLatin1String("ARAM")) return GameCategory::Aram;
-    if (mode == QLatin1String("URF") || mode == QLatin1String("KIWI")) return GameCategory::Mayhem;
-    if (mode == QLatin1String("CHERRY")) return GameCategory::Arena;
-    if (mode == QLatin1String("CLASSIC")) return GameCategory::Normal;
+    if (!gameMode)
+        return GameCategory::Other;
+    // Every game without a known queue passes here: an ASCII mode is compared without building
+    // its upper case, which for ASCII is the same as comparing regardless of case.
+    const QString& raw = *gameMode;
+    const bool ascii = std::all_of(raw.begin(), raw.end(), [](QChar c) { return c.unicode() < 0x80; });
+    const QString upper = ascii ? QString() : raw.toUpper();
+    const auto is = [&](QLatin1String keyword) {
+        return ascii ? raw.compare(keyword, Qt::CaseInsensitive) == 0 : upper == keyword;
+    };
+    if (is(QLatin1String("ARAM"))) return GameCategory::Aram;
+    if (is(QLatin1String("URF")) || is(QLatin1String("KIWI"))) return GameCategory::Mayhem;
+    if (is(QLatin1String("CHERRY"))) return GameCategory::Arena;
+    if (is(QLatin1String("CLASSIC"))) return GameCategory::Normal;
     return GameCategory::Other;
 }
 

@@ -1,7 +1,6 @@
 #include "game_data/stats.h"
 
 #include <algorithm>
-#include <cstring>
 #include <memory>
 
 namespace {
@@ -81,134 +80,78 @@ private:
     std::size_t m_size = 0;
 };
 
-// The user's puuids. A user links one account or a few: comparing against each beats hashing a
-// 78-character id for every row.
+// The user's puuids. Rows are ruled out by the key their id carries; only a row whose key is an
+// owner's has its id compared.
 class Owners {
 public:
-    explicit Owners(const QSet<QString>& owners) : m_set(owners) {
-        if (owners.size() <= 8)
-            m_few.assign(owners.begin(), owners.end());
+    explicit Owners(const QSet<QString>& owners) {
+        m_owners.reserve(static_cast<std::size_t>(owners.size()));
+        for (const QString& owner : owners)
+            m_owners.emplace_back(owner);
+        std::sort(m_owners.begin(), m_owners.end(), [](const PlayerId& a, const PlayerId& b) { return a.key() < b.key(); });
     }
 
-    [[nodiscard]] bool contains(QStringView puuid) const {
-        if (m_few.empty() && !m_set.isEmpty())
-            return m_set.contains(puuid.toString());
-        for (const QString& owner : m_few) {
-            if (owner.size() != puuid.size())
-                continue;
-            // Ids differ in their first characters nearly always: look at those before calling.
-            const auto bytes = static_cast<std::size_t>(puuid.size()) * sizeof(QChar);
-            if (bytes >= 8) {
-                quint64 a = 0;
-                quint64 b = 0;
-                std::memcpy(&a, owner.constData(), 8);
-                std::memcpy(&b, puuid.constData(), 8);
-                if (a != b)
-                    continue;
-            }
-            if (std::memcmp(owner.constData(), puuid.constData(), bytes) == 0)
+    [[nodiscard]] bool contains(const PlayerId& puuid) const {
+        // A user links one account or a few: a walk beats any look-up.
+        for (const PlayerId& owner : m_owners)
+            if (owner.key() == puuid.key() && (owner.constData() == puuid.constData() || owner.text() == puuid.text()))
                 return true;
-        }
         return false;
     }
 
 private:
-    const QSet<QString>& m_set;
-    std::vector<QString> m_few;
+    std::vector<PlayerId> m_owners;
 };
 
-// The friends' game names, already in lower case; a name is looked up after lower-casing it.
+// The friends' game names, already in lower case. A name is ruled out by its key; only a name
+// whose key is a friend's is compared, in lower case, with the friends of that key.
 class FriendNames {
 public:
-    explicit FriendNames(const QSet<QString>& names) : m_names(names) {
-        std::size_t capacity = 16;
-        while (capacity < static_cast<std::size_t>(names.size()) * 4)
-            capacity <<= 1;
-        m_table.assign(capacity, nullptr);
-        for (const QString& name : names) {
-            m_longest = std::max(m_longest, name.size());
-            std::size_t i = hash(name) & (capacity - 1);
-            while (m_table[i])
-                i = (i + 1) & (capacity - 1);
-            m_table[i] = &name;
-        }
+    explicit FriendNames(const QSet<QString>& names) {
+        m_names.reserve(static_cast<std::size_t>(names.size()));
+        for (const QString& name : names)
+            m_names.emplace_back(LowerCaseKey::of(name), &name);
+        std::sort(m_names.begin(), m_names.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
     }
 
-    // Lower-casing never shortens a text, so a name longer than every friend's is no friend.
-    [[nodiscard]] qsizetype longest() const { return m_longest; }
+    [[nodiscard]] bool isEmpty() const { return m_names.empty(); }
 
-    [[nodiscard]] bool isEmpty() const { return m_names.isEmpty(); }
-
-    [[nodiscard]] bool containsLowered(QStringView name) const {
-        // Lower-cased on the stack while hashing, then one look-up. Character by character is
-        // the same as QString::toLower except for U+0130, whose lower case is two characters,
-        // and for characters beyond the BMP: those names take the general way.
-        constexpr qsizetype stackLimit = 64;
-        if (name.size() <= stackLimit) {
-            char16_t lowered[stackLimit];
-            quint32 h = 2166136261u;
-            bool simple = true;
-            for (qsizetype i = 0; i < name.size(); ++i) {
-                char16_t u = name[i].unicode();
-                if (u < 0x80) {
-                    if (u >= u'A' && u <= u'Z')
-                        u = char16_t(u + 32);
-                } else if (u == 0x0130 || QChar::isSurrogate(u)) {
-                    simple = false;
-                    break;
-                } else {
-                    u = char16_t(QChar::toLower(char32_t(u)));
-                }
-                lowered[i] = u;
-                h = (h ^ u) * 16777619u;
-            }
-            if (simple) {
-                const QStringView view(lowered, name.size());
-                const std::size_t mask = m_table.size() - 1;
-                for (std::size_t i = h & mask; m_table[i]; i = (i + 1) & mask)
-                    if (m_table[i]->size() == view.size() && QStringView(*m_table[i]) == view)
-                        return true;
-                return false;
-            }
-        }
-        return m_names.contains(name.toString().toLower());
+    [[nodiscard]] bool contains(const PlayerName& name) const {
+        auto at = std::lower_bound(m_names.begin(), m_names.end(), name.key(),
+                                   [](const auto& entry, quint64 key) { return entry.first < key; });
+        for (; at != m_names.end() && at->first == name.key(); ++at)
+            if (isLowerCaseOf(*at->second, name.text()))
+                return true;
+        return false;
     }
 
 private:
-    static quint32 hash(QStringView text) {
-        quint32 h = 2166136261u;
-        for (QChar c : text)
-            h = (h ^ c.unicode()) * 16777619u;
-        return h;
+    // Whether lowered is what QString::toLower makes of text, without building that text.
+    static bool isLowerCaseOf(QStringView lowered, QStringView text) {
+        if (lowered.size() != text.size())
+            return text.size() < lowered.size() && lowered == text.toString().toLower(); // U+0130 grows
+        for (qsizetype i = 0; i < text.size(); ++i) {
+            const char16_t u = text[i].unicode();
+            if (u == 0x0130 || QChar::isSurrogate(u))
+                return lowered == text.toString().toLower();
+            const char16_t lower = u < 0x80 ? (u >= u'A' && u <= u'Z' ? char16_t(u + 32) : u)
+                                            : char16_t(QChar::toLower(char32_t(u)));
+            if (lower != lowered[i].unicode())
+                return false;
+        }
+        return true;
     }
 
-    const QSet<QString>& m_names;
-    std::vector<const QString*> m_table; // every name, open addressing by hash
-    qsizetype m_longest = 0;
+    std::vector<std::pair<quint64, const QString*>> m_names;
 };
 
-// The rows are read once per call and lie far apart: each pass asks for a row's memory some
-// rows before it needs it, and for the texts it points to a little later, so that the waits
-// overlap instead of following one another.
-constexpr std::size_t prefetchAhead = 32;
+// The rows are read once per call and lie apart: each pass asks for a row's first cache line,
+// which holds every field read for every row, some rows before it needs it.
+constexpr std::size_t prefetchAhead = 24;
 
-inline void prefetch(const void* address) {
-    __builtin_prefetch(address);
-}
-
-// The fields the statistics read lie together near the start of a row, from its game to its
-// game name (LocalParticipant keeps them there for this).
 inline void prefetchRow(const std::vector<const LocalParticipant*>& rows, std::size_t i) {
-    if (i >= rows.size())
-        return;
-    const LocalParticipant* row = rows[i];
-    prefetch(&row->matchServerId);
-    prefetch(reinterpret_cast<const char*>(&row->riotIdGameName) + sizeof(row->riotIdGameName) - 1);
-}
-
-inline void prefetchId(const std::vector<const LocalParticipant*>& rows, std::size_t i) {
     if (i < rows.size())
-        prefetch(rows[i]->puuid.constData());
+        __builtin_prefetch(rows[i]);
 }
 
 } // namespace
@@ -245,7 +188,6 @@ std::vector<Game> games(const std::vector<const LocalMatch*>& matches,
     };
     const Owners own(owners);
     const FriendNames friendly(friendNames);
-    const qsizetype longest = friendly.longest();
     std::vector<Run> runs;
     runs.reserve(matches.size() + 16);
     std::vector<quint32> meOf(gameCount, noRow);
@@ -254,24 +196,16 @@ std::vector<Game> games(const std::vector<const LocalMatch*>& matches,
     std::vector<quint8> isFriend(participants.size(), 0);
     std::vector<std::size_t> deferred;
 
-    // Team-mates whose names may be a friend's, kept while their rows are at hand; the names are
-    // compared afterwards in a pass of their own that reads ahead.
-    struct Candidate {
-        quint32 row;
-        qint32 size;
-        const QChar* name;
-    };
-    std::vector<Candidate> candidates;
-    auto collect = [&](const Run& run) {
+    // A friend's name on one of the user's other accounts is still the user.
+    auto markFriends = [&](const Run& run) {
         if (friendly.isEmpty())
             return;
         const quint32 me = meOf[run.slot];
         for (quint32 i = run.first; i < run.first + run.count; ++i) {
             const LocalParticipant& row = *participants[i];
             if (i != me && row.teamId == meTeam[run.slot] && row.riotIdGameName &&
-                row.riotIdGameName->size() <= longest)
-                candidates.push_back(
-                    {i, static_cast<qint32>(row.riotIdGameName->size()), row.riotIdGameName->constData()});
+                friendly.contains(*row.riotIdGameName) && !own.contains(row.puuid))
+                isFriend[i] = 1;
         }
     };
 
@@ -280,10 +214,8 @@ std::vector<Game> games(const std::vector<const LocalMatch*>& matches,
         std::size_t end = i + 1;
         while (end < participants.size() && participants[end]->matchServerId == game)
             ++end;
-        for (std::size_t k = i; k < end; ++k) {
+        for (std::size_t k = i; k < end; ++k)
             prefetchRow(participants, k + prefetchAhead);
-            prefetchId(participants, k + prefetchAhead / 2);
-        }
         const quint32 slot = slots.find(game);
         if (slot != IdSlots::none) {
             const Run run{static_cast<quint32>(i), static_cast<quint32>(end - i), slot};
@@ -296,7 +228,7 @@ std::vector<Game> games(const std::vector<const LocalMatch*>& matches,
                 }
             }
             if (meOf[slot] != noRow)
-                collect(run);
+                markFriends(run);
             else
                 deferred.push_back(runs.size() - 1);
         }
@@ -304,24 +236,7 @@ std::vector<Game> games(const std::vector<const LocalMatch*>& matches,
     }
     for (std::size_t r : deferred)
         if (meOf[runs[r].slot] != noRow)
-            collect(runs[r]);
-
-    std::vector<quint32> named;
-    for (std::size_t k = 0; k < candidates.size(); ++k) {
-        if (k + prefetchAhead < candidates.size())
-            prefetch(candidates[k + prefetchAhead].name);
-        if (friendly.containsLowered(QStringView(candidates[k].name, candidates[k].size)))
-            named.push_back(candidates[k].row);
-    }
-    // A friend's name on one of the user's other accounts is still the user.
-    for (std::size_t k = 0; k < named.size(); ++k) {
-        if (k + prefetchAhead < named.size())
-            prefetch(reinterpret_cast<const char*>(participants[named[k + prefetchAhead]]) + 32);
-        if (k + prefetchAhead / 2 < named.size())
-            prefetch(participants[named[k + prefetchAhead / 2]]->puuid.constData());
-        if (!own.contains(participants[named[k]]->puuid))
-            isFriend[named[k]] = 1;
-    }
+            markFriends(runs[r]);
 
     // Each game's rows in input order: nearly always its one run, copied whole. Games whose rows
     // came in several runs get their runs listed in order, game after game.
@@ -346,30 +261,60 @@ std::vector<Game> games(const std::vector<const LocalMatch*>& matches,
             runsOfSlot[next[runs[r].slot]++] = static_cast<quint32>(r);
     }
 
+    // Every game's roster followed by its friends, in one list the games share.
+    std::size_t listed = 0;
+    for (std::size_t m = 0; m < matches.size(); ++m)
+        if (meOf[slotOfMatch[m]] != noRow)
+            listed += rowCount[slotOfMatch[m]];
+    listed += static_cast<std::size_t>(std::count(isFriend.begin(), isFriend.end(), quint8(1)));
+    auto rows = std::make_shared<RowList::Rows>();
+    rows->reserve(listed);
+
     std::vector<Game> result;
     result.reserve(matches.size());
     for (std::size_t m = 0; m < matches.size(); ++m) {
         const quint32 slot = slotOfMatch[m];
         if (meOf[slot] == noRow)
             continue;
-        Game game{matches[m], participants[meOf[slot]], {}, {}};
-        auto add = [&](const Run& run) {
+        const std::size_t rosterStart = rows->size();
+        auto addRoster = [&](const Run& run) {
             const auto first = participants.begin() + run.first;
-            game.roster.insert(game.roster.end(), first, first + run.count);
+            rows->insert(rows->end(), first, first + run.count);
+        };
+        auto addFriends = [&](const Run& run) {
             for (quint32 i = run.first; i < run.first + run.count; ++i)
                 if (isFriend[i])
-                    game.friends.push_back(participants[i]);
+                    rows->push_back(participants[i]);
         };
         if (runOf[slot] != severalRuns) {
-            add(runs[runOf[slot]]);
+            addRoster(runs[runOf[slot]]);
         } else {
-            game.roster.reserve(rowCount[slot]);
             for (quint32 r = runsStart[slot]; r < runsStart[slot + 1]; ++r)
-                add(runs[runsOfSlot[r]]);
+                addRoster(runs[runsOfSlot[r]]);
         }
-        result.push_back(std::move(game));
+        const std::size_t friendsStart = rows->size();
+        if (runOf[slot] != severalRuns) {
+            addFriends(runs[runOf[slot]]);
+        } else {
+            for (quint32 r = runsStart[slot]; r < runsStart[slot + 1]; ++r)
+                addFriends(runs[runsOfSlot[r]]);
+        }
+        result.push_back({matches[m], participants[meOf[slot]], RowList(rows, rosterStart, friendsStart - rosterStart),
+                          RowList(rows, friendsStart, rows->size() - friendsStart)});
     }
     return result;
+}
+
+std::vector<const LocalParticipant*> ownRows(const std::vector<const LocalParticipant*>& participants,
+                                            const QSet<QString>& owners) {
+    const Owners own(owners);
+    std::vector<const LocalParticipant*> mine;
+    for (std::size_t i = 0; i < participants.size(); ++i) {
+        prefetchRow(participants, i + prefetchAhead);
+        if (own.contains(participants[i]->puuid))
+            mine.push_back(participants[i]);
+    }
+    return mine;
 }
 
 std::vector<ChampAgg> champions(const std::vector<const LocalParticipant*>& participants) {
@@ -420,7 +365,6 @@ std::vector<TimelineEntry> timeline(const std::vector<const LocalMatch*>& matche
     firstOwnRow.reserve(matches.size());
     for (std::size_t i = 0; i < participants.size(); ++i) {
         prefetchRow(participants, i + prefetchAhead);
-        prefetchId(participants, i + prefetchAhead / 2);
         const LocalParticipant* row = participants[i];
         if (!own.contains(row->puuid))
             continue;

@@ -3,6 +3,7 @@
 #include "archive/local_match.h"
 #include "archive/local_participant.h"
 #include "game_data/game_category.h"
+#include "game_data/row_list.h"
 
 #include <QSet>
 #include <QString>
@@ -17,8 +18,8 @@ namespace Stats {
 struct Game {
     const LocalMatch* match = nullptr;
     const LocalParticipant* me = nullptr;
-    std::vector<const LocalParticipant*> roster;  // every stored row of the game, input order
-    std::vector<const LocalParticipant*> friends; // known friends on the user's team, roster order
+    RowList roster;  // every stored row of the game, input order
+    RowList friends; // known friends on the user's team, roster order
 
     [[nodiscard]] qint64 id() const { return match->serverId; }
     [[nodiscard]] GameCategory category() const { return GameCategories::of(match->queueId, match->gameMode); }
@@ -49,6 +50,9 @@ struct TimelineEntry {
 [[nodiscard]] std::vector<Game> games(const std::vector<const LocalMatch*>& matches,
                                       const std::vector<const LocalParticipant*>& participants,
                                       const QSet<QString>& owners, const QSet<QString>& friendNames);
+// The rows of participants whose puuid is in owners, in input order.
+[[nodiscard]] std::vector<const LocalParticipant*> ownRows(const std::vector<const LocalParticipant*>& participants,
+                                                           const QSet<QString>& owners);
 // One aggregate per champion of the given rows, most games first (stable).
 [[nodiscard]] std::vector<ChampAgg> champions(const std::vector<const LocalParticipant*>& participants);
 // (match, own row) pairs in the order of matches.

@@ -1,6 +1,7 @@
 #include "screens/archive_inputs.h"
 
-#include <QStringList>
+#include "game_data/stats.h"
+
 #include <algorithm>
 #include <limits>
 
@@ -22,13 +23,7 @@ std::vector<const LocalMatch*> matchesNewestFirst(const ArchiveStore& store) {
 }
 
 std::vector<const LocalParticipant*> ownRows(const ArchiveStore& store, const QSet<QString>& owners) {
-    // One or two linked accounts: comparing against each beats hashing every row's 78-character id.
-    const QStringList list = owners.values();
-    std::vector<const LocalParticipant*> mine;
-    for (const LocalParticipant* row : store.participants().all())
-        if (std::any_of(list.begin(), list.end(), [row](const QString& owner) { return owner == row->puuid; }))
-            mine.push_back(row);
-    return mine;
+    return Stats::ownRows(store.participants().all(), owners);
 }
 
 } // namespace ArchiveInputs

@@ -1,5 +1,6 @@
 #include "screens/champions_model.h"
 
+#include "screens/archive_inputs.h"
 #include "theme/theme.h"
 
 #include <QVariantMap>
@@ -140,14 +141,7 @@ void ChampionsModel::recompute() {
     m_mostPlayed.clear();
     const QSet<QString> owners = this->owners();
     if (store() && !owners.isEmpty()) {
-        // A player links one account or a few: comparing with each is cheaper than hashing the
-        // puuid of every stored row.
-        const QList<QString> few = owners.size() <= 8 ? owners.values() : QList<QString>();
-        std::vector<const LocalParticipant*> mine;
-        for (const LocalParticipant* row : store()->participants().all())
-            if (few.isEmpty() ? owners.contains(row->puuid) : few.contains(row->puuid))
-                mine.push_back(row);
-        std::vector<Stats::ChampAgg> champs = Stats::champions(mine);
+        std::vector<Stats::ChampAgg> champs = Stats::champions(ArchiveInputs::ownRows(*store(), owners));
         const QHash<qint64, double> scores = scoreByChamp(store()->performanceScores().all());
         m_mostPlayed.reserve(champs.size());
         for (Stats::ChampAgg& champ : champs) {

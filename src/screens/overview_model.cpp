@@ -5,7 +5,6 @@
 #include "screens/archive_inputs.h"
 #include "theme/theme.h"
 
-#include <QHash>
 #include <QVariantMap>
 #include <algorithm>
 #include <cmath>
@@ -59,16 +58,21 @@ QString OverviewModel::streakPill(const Streak& streak) {
 }
 
 std::optional<QString> OverviewModel::topRoleOf(const std::vector<Stats::TimelineEntry>& timeline) {
-    QHash<QString, int> counts;
+    // A handful of positions: a short list beats hashing one text per game.
+    std::vector<std::pair<QString, int>> counts;
     QString best;
     int bestCount = 0;
     for (const Stats::TimelineEntry& entry : timeline) {
         if (!entry.me->teamPosition)
             continue;
-        const int count = ++counts[*entry.me->teamPosition];
+        const QString& position = *entry.me->teamPosition;
+        auto counted = std::find_if(counts.begin(), counts.end(), [&](const auto& c) { return c.first == position; });
+        if (counted == counts.end())
+            counted = counts.insert(counts.end(), {position, 0});
+        const int count = ++counted->second;
         if (count > bestCount) {
             bestCount = count;
-            best = *entry.me->teamPosition;
+            best = position;
         }
     }
     if (bestCount == 0)
@@ -86,11 +90,14 @@ void OverviewModel::recompute() {
     std::vector<Stats::Game> games;
     const QSet<QString> owners = this->owners();
     if (store() && !owners.isEmpty()) {
-        const auto matches = ArchiveInputs::matchesNewestFirst(*store());
-        const auto participants = store()->participants().all();
-        timeline = Stats::timeline(matches, participants, owners);
+        games = Stats::games(ArchiveInputs::matchesNewestFirst(*store()), store()->participants().all(), owners,
+                             appState() ? appState()->friendGameNames() : QSet<QString>());
+        // A game's own row is the first row of the user in it, as in the timeline: the timeline is
+        // the games' (match, own row) pairs, so a second pass over every row would find the same.
+        timeline.reserve(games.size());
+        for (const Stats::Game& game : games)
+            timeline.push_back({game.match, game.me});
         champs = Stats::champions(ArchiveInputs::ownRows(*store(), owners));
-        games = Stats::games(matches, participants, owners, appState() ? appState()->friendGameNames() : QSet<QString>());
     }
 
     m_isEmpty = timeline.empty();

@@ -124,6 +124,34 @@ private Q_SLOTS:
         QCOMPARE(serverIds(table.withServerIds({1, 2, 3})), (std::vector<qint64>{2, 3}));
     }
 
+    // Equal texts of different records end up as one copy, also after a change, and the copy goes
+    // once no record holds it. Keys stay those of the texts.
+    void repeatedTextsShared() {
+        RecordTable<LocalParticipant> table;
+        auto fill = [](std::unique_ptr<LocalParticipant> p) {
+            p->championName = QStringLiteral("Ah") + QStringLiteral("ri"); // built apart each time
+            p->puuid = QString(78, QLatin1Char('p'));
+            p->riotIdGameName = QStringLiteral("ANN") + QStringLiteral("a");
+            return p;
+        };
+        LocalParticipant* a = table.insert(fill(row(1, 10)));
+        LocalParticipant* b = table.insert(fill(row(2, 10)));
+        QCOMPARE(a->championName.constData(), b->championName.constData());
+        QCOMPARE(a->puuid.constData(), b->puuid.constData());
+        QCOMPARE(a->riotIdGameName->constData(), b->riotIdGameName->constData());
+        QCOMPARE(b->puuid.key(), PrefixKey::of(QString(78, QLatin1Char('p'))));
+        QCOMPARE(b->riotIdGameName->key(), LowerCaseKey::of(QStringLiteral("anna")));
+
+        b->championName = QStringLiteral("Ah") + QStringLiteral("ri");
+        table.markChanged(b);
+        QCOMPARE(a->championName.constData(), b->championName.constData());
+        QCOMPARE(table.sharedTextCount(), 3);
+        table.remove(a);
+        table.remove(b);
+        table.saved();
+        QCOMPARE(table.sharedTextCount(), 0);
+    }
+
     void everythingRemovedThenRefilled() {
         RecordTable<LocalParticipant> table;
         table.insert(row(1, 10));

@@ -62,6 +62,7 @@ private Q_SLOTS:
         QTest::newRow("mayhem queue") << qint64(900) << text("CLASSIC") << "Mayhem" << "ARAM: Mayhem";
         QTest::newRow("URF mode") << qint64(1900) << text("URF") << "Mayhem" << "ARAM: Mayhem";
         QTest::newRow("KIWI mode") << qint64(3000) << text("Kiwi") << "Mayhem" << "ARAM: Mayhem";
+        QTest::newRow("dotless i upper-cases to KIWI") << qint64(3000) << text("k\xc4\xb1w\xc4\xb1") << "Mayhem" << "ARAM: Mayhem";
         QTest::newRow("clash is normal") << qint64(700) << text("CLASSIC") << "Normal" << "Clash";
         QTest::newRow("arena queue") << qint64(1710) << none << "Arena" << "Arena";
         QTest::newRow("cherry mode") << qint64(2200) << text("CHERRY") << "Arena" << "Arena";

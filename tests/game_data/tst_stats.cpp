@@ -30,7 +30,7 @@ struct Archive {
     }
 };
 
-std::vector<QString> puuidsOf(const std::vector<const LocalParticipant*>& rows) {
+template <class Rows> std::vector<QString> puuidsOf(const Rows& rows) {
     std::vector<QString> ids;
     for (const LocalParticipant* row : rows)
         ids.push_back(row->puuid);
@@ -125,6 +125,22 @@ private Q_SLOTS:
         const auto games = Stats::games(a.matches, a.rows, {id("me"), id("alt")}, {"ann"});
         QCOMPARE(games.size(), std::size_t(1));
         QVERIFY(games[0].friends.empty());
+    }
+
+    // Ids that agree in their first characters and their length are told apart by the rest, by
+    // every function that asks whose a row is.
+    void idsWithTheSameStart() {
+        Archive a;
+        a.match(1);
+        a.row(1, id("acct-2"), 100, QStringLiteral("Ann"));
+        a.row(1, id("acct-1"));
+        const QSet<QString> owners{id("acct-1")};
+        const auto games = Stats::games(a.matches, a.rows, owners, {"ann"});
+        QCOMPARE(games.size(), std::size_t(1));
+        QCOMPARE(games[0].me->puuid, id("acct-1"));
+        QCOMPARE(puuidsOf(games[0].friends), std::vector<QString>{id("acct-2")});
+        QCOMPARE(Stats::timeline(a.matches, a.rows, owners)[0].me, games[0].me);
+        QCOMPARE(Stats::ownRows(a.rows, owners), std::vector<const LocalParticipant*>{games[0].me});
     }
 
     void sameGameListedTwice() {

@@ -1,0 +1,33 @@
+#include "archive/keyed_text.h"
+
+#include <algorithm>
+#include <cstring>
+
+quint64 PrefixKey::of(QStringView text) {
+    char16_t first[4] = {};
+    if (!text.isEmpty()) // an empty text may have no data at all
+        std::memcpy(first, text.utf16(), static_cast<std::size_t>(std::min<qsizetype>(text.size(), 4)) * sizeof(char16_t));
+    quint64 key = 0;
+    std::memcpy(&key, first, sizeof key);
+    // The length goes into the top bits: texts that only differ in what follows the prefix and in
+    // length still get different keys.
+    return key ^ (static_cast<quint64>(text.size()) << 48);
+}
+
+quint64 LowerCaseKey::of(QStringView text) {
+    // Character by character is the same as QString::toLower except for U+0130, whose lower case
+    // is two characters, and for characters beyond the BMP: those texts are lowered whole first.
+    quint64 hash = 14695981039346656037ULL;
+    for (const QChar c : text) {
+        const char16_t u = c.unicode();
+        if (u == 0x0130 || QChar::isSurrogate(u)) {
+            hash = 14695981039346656037ULL;
+            for (const QChar lowered : text.toString().toLower())
+                hash = (hash ^ lowered.unicode()) * 1099511628211ULL;
+            return hash;
+        }
+        const char16_t lower = u < 0x80 ? (u >= u'A' && u <= u'Z' ? char16_t(u + 32) : u) : char16_t(QChar::toLower(char32_t(u)));
+        hash = (hash ^ lower) * 1099511628211ULL;
+    }
+    return hash;
+}
