@@ -620,6 +620,7 @@ struct SyntheticArchive::Generator {
             friendWeights.push_back(seed.weight);
             archive.m_friendPuuids << player.puuid;
             archive.m_friendNames << player.gameName->toLower();
+            archive.m_friendRiotIds << *player.gameName + QLatin1Char('#') + player.tagLine;
         }
 
         // Enough strangers that most are met once or twice, as on a real server.

@@ -41,6 +41,8 @@ public:
     // The recurring team-mates: their puuids and their game names in lower case.
     [[nodiscard]] QStringList friendPuuids() const;
     [[nodiscard]] QSet<QString> friendGameNames() const;
+    // Their Riot IDs ("Name#TAG"), in the order of friendPuuids().
+    [[nodiscard]] QStringList friendRiotIds() const { return m_friendRiotIds; }
 
     // The archive as decoded backend records, oldest game first. Every game has ten
     // participants in match order (blue side first) and one score of the owner.
@@ -69,6 +71,7 @@ private:
     QList<RiotAccountDTO> m_accounts;
     QStringList m_friendPuuids;
     QStringList m_friendNames;
+    QStringList m_friendRiotIds;
     QList<MatchDTO> m_matches;
     QList<ParticipantDTO> m_participants;
     QList<PerformanceScoreDTO> m_scores;

@@ -14,6 +14,7 @@
 #include <QAbstractItemModel>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QHash>
 #include <QGuiApplication>
 #include <QJsonArray>
 #include <QNetworkAccessManager>
@@ -32,6 +33,37 @@ Q_IMPORT_QML_PLUGIN(QuillFern_ThemePlugin)
 Q_IMPORT_QML_PLUGIN(QuillFern_ScreensPlugin)
 
 namespace {
+
+// The friends as the backend's duo statistics give them: the games each played on the owner's team.
+QJsonArray duosJson(const SyntheticArchive& archive) {
+    const QSet<QString> owners = archive.ownerPuuids();
+    QHash<qint64, std::pair<qint64, bool>> ownerSide; // game -> (team, won)
+    for (const ParticipantDTO& p : archive.participants())
+        if (owners.contains(p.puuid))
+            ownerSide.insert(p.matchId, {p.teamId, p.win});
+    const QStringList puuids = archive.friendPuuids();
+    QHash<QString, std::pair<qint64, qint64>> together; // puuid -> (games, wins)
+    for (const ParticipantDTO& p : archive.participants()) {
+        const auto side = ownerSide.constFind(p.matchId);
+        if (side != ownerSide.cend() && side->first == p.teamId && puuids.contains(p.puuid)) {
+            ++together[p.puuid].first;
+            together[p.puuid].second += side->second ? 1 : 0;
+        }
+    }
+    QJsonArray duos;
+    for (qsizetype i = 0; i < puuids.size(); ++i) {
+        const auto [games, wins] = together.value(puuids[i]);
+        if (games == 0)
+            continue;
+        duos.append(QJsonObject{{"puuid", puuids[i]},
+                                {"riot_id", archive.friendRiotIds().value(i)},
+                                {"games", games},
+                                {"wins", wins},
+                                {"losses", games - wins},
+                                {"winrate", double(wins) / double(games)}});
+    }
+    return duos;
+}
 
 QJsonObject accountJson(const RiotAccountDTO& a) {
     QJsonObject json{{"id", a.id}, {"puuid", a.puuid}, {"platform", a.platform}, {"region", a.region}};
@@ -90,7 +122,8 @@ struct Scene {
         backend.on("GET", "/api/sync", FakeResponse::json({{"matches", QJsonArray{}}, {"participants", QJsonArray{}},
                                                            {"rank_snapshots", QJsonArray{}},
                                                            {"performance_scores", QJsonArray{}}, {"has_more", false}}));
-        backend.on("GET", "/api/stats/duos", FakeResponse::json({{"duos", QJsonArray{}}}));
+        backend.on("GET", "/api/stats/duos",
+                   FakeResponse::json({{"duos", archive ? duosJson(*archive) : QJsonArray{}}}));
         backend.on("GET", "/api/static/version", FakeResponse::json({{"version", "16.11.1"}}));
 
         store = std::make_unique<ArchiveStore>(dir.filePath("archive.sqlite"));
