@@ -26,12 +26,6 @@ public:
         return *this;
     }
 
-    // Takes another copy of the same text, as a pool of shared texts hands it out; the key stays.
-    void shareEqual(const QString& same) {
-        Q_ASSERT(same == m_text);
-        m_text = same;
-    }
-
     operator const QString&() const { return m_text; }
     [[nodiscard]] const QString& text() const { return m_text; }
     [[nodiscard]] quint64 key() const { return m_key; }

@@ -27,8 +27,12 @@ public:
     }
 
     // Takes a record read back from disk. Records arrive in the order of their identity.
+    // Their repeated texts are shared here, when the whole archive is read at a start, and not
+    // when a sync adds records: the sharing costs a look-up per text, which a full first mirror
+    // of a large archive would feel, while a start reads every text anew anyway.
     void adopt(std::unique_ptr<Record> record) {
         Q_ASSERT(record->localId > m_lastLocalId);
+        shareTexts(*record);
         m_lastLocalId = std::max(m_lastLocalId, record->localId);
         addRow(std::move(record), true);
         m_savedRows = m_rows.size();
@@ -39,7 +43,6 @@ public:
         Row* row = rowOf(record);
         if (!row || !row->alive)
             return;
-        shareTexts(*record);
         if constexpr (HasMatchServerId<Record>) {
             unindexMatch(*row);
             m_byMatch[record->matchServerId].push_back(record);
@@ -165,7 +168,6 @@ private:
 
     void addRow(std::unique_ptr<Record> record, bool persisted) {
         Record* raw = record.get();
-        shareTexts(*raw);
         m_rows.push_back({std::move(record), true, persisted, 0});
         ++m_liveCount;
         m_byServer.emplace(raw->serverId, raw);

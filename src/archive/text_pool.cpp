@@ -5,7 +5,8 @@ void TextPool::share(QString& text) {
 }
 
 const QString& TextPool::pooled(const QString& text) {
-    if (text.isEmpty())
+    // Long texts are ids and documents, each different from every other: not worth an entry.
+    if (text.isEmpty() || text.size() > longestShared)
         return text;
     auto found = m_texts.constFind(text);
     if (found == m_texts.constEnd())

@@ -6,13 +6,15 @@
 #include <QString>
 #include <optional>
 
-// One copy of each distinct text of a table's records. Most texts of an archive repeat: the
-// user's own id and name in every game, champion names, positions, tiers, the friends. Sharing
-// them saves memory, and a pass over many records finds the repeated ones in cache.
+// One copy of each distinct text of a table's records. Most plain texts of an archive repeat:
+// champion names, positions, tiers, tag lines, platforms, game modes. Sharing them saves memory,
+// and a pass over many records finds them in cache.
 class TextPool {
 public:
     void share(QString& text);
-    template <class KeyOf> void share(KeyedText<KeyOf>& text) { text.shareEqual(pooled(text.text())); }
+    // Keyed texts are player ids and names: nearly every one is different, so pooling them would
+    // cost a look-up and an entry each for little sharing, and scans compare their keys anyway.
+    template <class KeyOf> void share(KeyedText<KeyOf>&) {}
     template <class T> void share(std::optional<T>& value) {
         if (value)
             share(*value);
@@ -23,6 +25,8 @@ public:
     void prune();
     void clear() { m_texts.clear(); }
     [[nodiscard]] qsizetype size() const { return m_texts.size(); }
+
+    static constexpr qsizetype longestShared = 32;
 
 private:
     const QString& pooled(const QString& text);

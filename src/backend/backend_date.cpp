@@ -30,7 +30,7 @@ std::optional<QDateTime> parseWhole(const icu::DateFormat* format, const QString
     const UDate millis = format->parse(input, position);
     if (position.getErrorIndex() >= 0 || position.getIndex() != input.length())
         return std::nullopt;
-    return QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(millis), QTimeZone::utc());
+    return QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(millis), Qt::UTC);
 }
 
 // The shape the backend writes nearly always, read without ICU: 2025-03-01T18:04:05, then six
@@ -81,7 +81,7 @@ std::optional<QDateTime> parseCommon(const QString& text) {
     const qint64 millis = (date.toJulianDay() - QDate(1970, 1, 1).toJulianDay()) * 86'400'000 +
                           ((hour * 60 + minute) * 60 + second) * qint64(1000) + micros / 1000 -
                           offsetMinutes * qint64(60'000);
-    return QDateTime::fromMSecsSinceEpoch(millis, QTimeZone::utc());
+    return QDateTime::fromMSecsSinceEpoch(millis, Qt::UTC);
 }
 
 } // namespace

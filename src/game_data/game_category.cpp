@@ -20,7 +20,7 @@ GameCategory of(qint64 queueId, const std::optional<QString>& gameMode) {
     const bool ascii = std::all_of(raw.begin(), raw.end(), [](QChar c) { return c.unicode() < 0x80; });
     const QString upper = ascii ? QString() : raw.toUpper();
     const auto is = [&](QLatin1String keyword) {
-        return ascii ? raw.compare(keyword, Qt::CaseInsensitive) == 0 : upper == keyword;
+        return ascii ? raw.size() == keyword.size() && raw.compare(keyword, Qt::CaseInsensitive) == 0 : upper == keyword;
     };
     if (is(QLatin1String("ARAM"))) return GameCategory::Aram;
     if (is(QLatin1String("URF")) || is(QLatin1String("KIWI"))) return GameCategory::Mayhem;
