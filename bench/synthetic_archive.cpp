@@ -774,18 +774,20 @@ struct SyntheticArchive::Generator {
         ladders[0] = {random.between(900, 1150), 0, 0, 5, 2024};
         ladders[1] = {ladders[0].absolute - random.between(50, 250), 0, 0, 5, 2024};
 
-        // Sessions of a few games each, spread evenly over the two seasons with some jitter.
+        // Sessions of a few games each, spread evenly over the two seasons with some jitter. A
+        // session starts where its first game lies in the whole, so that however the session
+        // lengths fall, the last games are played before the archive's end.
         const int sessions = std::max(1, static_cast<int>(std::ceil(options.games / 4.5)));
         const double spacing = static_cast<double>(archiveEnd - archiveStart) / sessions;
+        const double span = static_cast<double>(archiveEnd - archiveStart) - spacing;
         qint64 clock = archiveStart;
-        int session = -1;
         int leftInSession = 0;
 
         for (int game = 0; game < options.games; ++game) {
             if (leftInSession == 0) {
-                ++session;
                 leftInSession = random.between(1, 8);
-                qint64 start = archiveStart + static_cast<qint64>((session + random.uniform() * 0.5) * spacing);
+                const double progress = static_cast<double>(game) / std::max(1, options.games);
+                qint64 start = archiveStart + static_cast<qint64>(progress * span + random.uniform() * 0.5 * spacing);
                 const QDateTime at = QDateTime::fromSecsSinceEpoch(start, QTimeZone::utc());
                 const int hour = at.time().hour();
                 if (hour >= 1 && hour < 15) // most play after work: move the morning into the evening
