@@ -84,12 +84,7 @@ private:
 // owner's has its id compared.
 class Owners {
 public:
-    explicit Owners(const QSet<QString>& owners) {
-        m_owners.reserve(static_cast<std::size_t>(owners.size()));
-        for (const QString& owner : owners)
-            m_owners.emplace_back(owner);
-        std::sort(m_owners.begin(), m_owners.end(), [](const PlayerId& a, const PlayerId& b) { return a.key() < b.key(); });
-    }
+    explicit Owners(const QSet<QString>& owners) : m_owners(owners.begin(), owners.end()) {}
 
     [[nodiscard]] bool contains(const PlayerId& puuid) const {
         // A user links one account or a few: a walk beats any look-up.
