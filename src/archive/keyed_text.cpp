@@ -15,19 +15,16 @@ quint64 PrefixKey::of(QStringView text) {
 }
 
 quint64 LowerCaseKey::of(QStringView text) {
-    // Character by character is the same as QString::toLower except for U+0130, whose lower case
-    // is two characters, and for characters beyond the BMP: those texts are lowered whole first.
     quint64 hash = 14695981039346656037ULL;
     for (const QChar c : text) {
-        const char16_t u = c.unicode();
-        if (u == 0x0130 || QChar::isSurrogate(u)) {
+        const std::optional<char16_t> lower = lowerUnit(c.unicode());
+        if (!lower) {
             hash = 14695981039346656037ULL;
             for (const QChar lowered : text.toString().toLower())
                 hash = (hash ^ lowered.unicode()) * 1099511628211ULL;
             return hash;
         }
-        const char16_t lower = u < 0x80 ? (u >= u'A' && u <= u'Z' ? char16_t(u + 32) : u) : char16_t(QChar::toLower(char32_t(u)));
-        hash = (hash ^ lower) * 1099511628211ULL;
+        hash = (hash ^ *lower) * 1099511628211ULL;
     }
     return hash;
 }

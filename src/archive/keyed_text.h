@@ -3,6 +3,7 @@
 #include <QString>
 #include <QStringView>
 #include <QtGlobal>
+#include <optional>
 #include <utility>
 
 // A text that carries a small key, recomputed whenever the text is set. The key lies in the
@@ -31,10 +32,8 @@ public:
     [[nodiscard]] quint64 key() const { return m_key; }
 
     [[nodiscard]] bool isEmpty() const { return m_text.isEmpty(); }
-    [[nodiscard]] qsizetype size() const { return m_text.size(); }
     [[nodiscard]] const QChar* constData() const { return m_text.constData(); }
     [[nodiscard]] QString left(qsizetype n) const { return m_text.left(n); }
-    [[nodiscard]] QString toLower() const { return m_text.toLower(); }
 
     friend bool operator==(const KeyedText& a, const KeyedText& b) { return a.m_key == b.m_key && a.m_text == b.m_text; }
     friend bool operator==(const KeyedText& a, const QString& b) { return a.m_text == b; }
@@ -54,6 +53,17 @@ struct PrefixKey {
 // look-ups of names.
 struct LowerCaseKey {
     [[nodiscard]] static quint64 of(QStringView text);
+
+    // The lower case of one UTF-16 unit as QString::toLower gives it; none for the units whose
+    // lower case depends on more than the unit: U+0130, whose lower case is two units, and the
+    // halves of characters beyond the BMP. Texts with those are lowered whole.
+    [[nodiscard]] static std::optional<char16_t> lowerUnit(char16_t unit) {
+        if (unit < 0x80)
+            return unit >= u'A' && unit <= u'Z' ? char16_t(unit + 32) : unit;
+        if (unit == 0x0130 || QChar::isSurrogate(unit))
+            return std::nullopt;
+        return char16_t(QChar::toLower(char32_t(unit)));
+    }
 };
 
 using PlayerId = KeyedText<PrefixKey>;

@@ -147,7 +147,7 @@ void SqliteStatement::read(int column, QString& out) const {
 }
 
 void SqliteStatement::read(int column, QDateTime& out) const {
-    // A date in UTC by time spec is held inside the QDateTime; one in a QTimeZone (Qt 6.4) is a
+    // A date made with Qt::UTC is held inside the QDateTime; one made with a QTimeZone (Qt 6.4) is a
     // separate allocation that every sort by date then has to fetch.
     out = QDateTime::fromMSecsSinceEpoch(sqlite3_column_int64(m_statement, column), Qt::UTC);
 }

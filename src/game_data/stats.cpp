@@ -126,12 +126,10 @@ private:
         if (lowered.size() != text.size())
             return text.size() < lowered.size() && lowered == text.toString().toLower(); // U+0130 grows
         for (qsizetype i = 0; i < text.size(); ++i) {
-            const char16_t u = text[i].unicode();
-            if (u == 0x0130 || QChar::isSurrogate(u))
+            const std::optional<char16_t> lower = LowerCaseKey::lowerUnit(text[i].unicode());
+            if (!lower)
                 return lowered == text.toString().toLower();
-            const char16_t lower = u < 0x80 ? (u >= u'A' && u <= u'Z' ? char16_t(u + 32) : u)
-                                            : char16_t(QChar::toLower(char32_t(u)));
-            if (lower != lowered[i].unicode())
+            if (*lower != lowered[i].unicode())
                 return false;
         }
         return true;
