@@ -199,7 +199,6 @@ private Q_SLOTS:
     }
 };
 
-Q_DECLARE_METATYPE(FakeResponse)
 
 QTEST_GUILESS_MAIN(TestSyncEngine)
 #include "tst_sync_engine.moc"

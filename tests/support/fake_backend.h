@@ -6,6 +6,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QList>
+#include <QMetaType>
 #include <QUrl>
 #include <functional>
 #include <utility>
@@ -33,6 +34,7 @@ struct FakeResponse {
     static FakeResponse json(const QJsonObject& object, int status = 200);
     static FakeResponse text(int status, QByteArray body);
 };
+Q_DECLARE_METATYPE(FakeResponse)
 
 // A backend on 127.0.0.1 scripted per test: each route answers through a handler, and every
 // request is recorded. Unscripted routes answer 404.
