@@ -1,8 +1,6 @@
 #include "support/fake_league_client.h"
 
 #include <QFile>
-#include <QHttpServerRequest>
-#include <QHttpServerResponder>
 #include <QJsonArray>
 #include <QRandomGenerator>
 #include <QSslCertificate>
@@ -32,7 +30,7 @@ FakeLeagueClient::FakeLeagueClient()
         qFatal("fake League client: the build-time certificate or key does not load");
     // The certificate has to be in place before listening: the server is made TLS-only then.
     sslSetup(certificate, key);
-    m_port = listen(QHostAddress::LocalHost, 0);
+    start();
 }
 
 QByteArray FakeLeagueClient::lockfileText() const {
@@ -75,43 +73,11 @@ void FakeLeagueClient::serveHistory(const QList<QJsonObject>& entries) {
     }
 }
 
-QList<RecordedRequest> FakeLeagueClient::requestsTo(const QString& path) const {
-    QList<RecordedRequest> result;
-    for (const RecordedRequest& request : m_requests)
-        if (request.path == path)
-            result.append(request);
-    return result;
-}
-
-bool FakeLeagueClient::handleRequest(const QHttpServerRequest& request, QTcpSocket* socket) {
-    RecordedRequest recorded;
-    recorded.method = request.method() == QHttpServerRequest::Method::Get ? QByteArray("GET") : QByteArray("OTHER");
-    const QUrl url = request.url();
-    recorded.path = url.path();
-    recorded.rawPath = url.path(QUrl::FullyEncoded).toUtf8();
-    recorded.hasQuery = url.hasQuery();
-    recorded.rawQuery = url.query(QUrl::FullyEncoded).toUtf8();
-    for (const auto& [name, value] : request.headers())
-        recorded.headers.insert(name.toLower(), value);
-    recorded.body = request.body();
-    m_requests.append(recorded);
-
-    const auto route = m_routes.constFind(recorded.path);
-    const FakeResponse response = recorded.method != "GET" || route == m_routes.constEnd()
-                                      ? FakeResponse::json({{"httpStatus", 404}, {"message", "no such route"}}, 404)
-                                      : (*route)(recorded);
-
-    QHttpServerResponder responder = makeResponder(request, socket);
-    responder.writeStatusLine(static_cast<QHttpServerResponder::StatusCode>(response.status));
-    for (const auto& [name, value] : response.headers)
-        responder.writeHeader(name, value);
-    responder.writeHeader("Content-Length", QByteArray::number(response.body.size()));
-    responder.writeBody(response.body);
-    return true;
-}
-
-void FakeLeagueClient::missingHandler(const QHttpServerRequest& request, QTcpSocket* socket) {
-    makeResponder(request, socket).write(QHttpServerResponder::StatusCode::NotFound);
+FakeResponse FakeLeagueClient::answer(const RecordedRequest& request) {
+    const auto route = m_routes.constFind(request.path);
+    if (request.method != "GET" || route == m_routes.constEnd())
+        return FakeResponse::json({{"httpStatus", 404}, {"message", "no such route"}}, 404);
+    return (*route)(request);
 }
 
 QStringList FakeLeagueClient::historyQueries() const {

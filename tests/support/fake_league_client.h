@@ -2,7 +2,6 @@
 
 #include "support/fake_backend.h"
 
-#include <QAbstractHttpServer>
 #include <QHash>
 #include <QJsonObject>
 #include <QList>
@@ -12,7 +11,7 @@
 // A League client's local API for tests: HTTPS on 127.0.0.1 with a self-signed certificate
 // made at build time, and a password of its own. Routes answer only requests that carry the
 // client's Basic credentials for user "riot"; anything else gets 401, as from the real client.
-class FakeLeagueClient : public QAbstractHttpServer {
+class FakeLeagueClient : public RecordingHttpServer {
 public:
     using Handler = std::function<FakeResponse(const RecordedRequest&)>;
 
@@ -21,7 +20,6 @@ public:
 
     FakeLeagueClient();
 
-    [[nodiscard]] quint16 port() const { return m_port; }
     [[nodiscard]] const QString& password() const { return m_password; }
     // "LeagueClient:<pid>:<port>:<password>:https", as the client writes it.
     [[nodiscard]] QByteArray lockfileText() const;
@@ -35,10 +33,6 @@ public:
     // "gameId" is not a number have no full game.
     void serveHistory(const QList<QJsonObject>& entries);
 
-    [[nodiscard]] const QList<RecordedRequest>& requests() const { return m_requests; }
-    [[nodiscard]] QList<RecordedRequest> requestsTo(const QString& path) const;
-    void clearRequests() { m_requests.clear(); }
-
     // The queries ("begIndex=…&endIndex=…") of the history requests received so far.
     [[nodiscard]] QStringList historyQueries() const;
 
@@ -46,14 +40,11 @@ public:
     static QString writeFile(const QString& path, const QByteArray& bytes);
 
 protected:
-    bool handleRequest(const QHttpServerRequest& request, QTcpSocket* socket) override;
-    void missingHandler(const QHttpServerRequest& request, QTcpSocket* socket) override;
+    FakeResponse answer(const RecordedRequest& request) override;
 
 private:
     QString m_password;
-    quint16 m_port = 0;
     QHash<QString, Handler> m_routes;
-    QList<RecordedRequest> m_requests;
 };
 
 // A history entry as the client lists it.
