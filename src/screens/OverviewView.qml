@@ -170,8 +170,12 @@ Item {
                     Layout.fillWidth: true
                     Layout.preferredWidth: 1
                     Layout.fillHeight: true
+                    // The card is as tall as the champions beside it: the figures sit at its foot.
+                    implicitHeight: formColumn.implicitHeight + 2 * padding
                     ColumnLayout {
+                        id: formColumn
                         width: parent.width
+                        height: parent.height
                         spacing: 12
                         RowLayout {
                             Layout.fillWidth: true
@@ -195,6 +199,7 @@ Item {
                                 }
                             }
                         }
+                        Item { Layout.fillHeight: true }
                         RowLayout {
                             Layout.fillWidth: true
                             spacing: 12
