@@ -104,9 +104,9 @@ struct Scene {
     std::unique_ptr<QQmlApplicationEngine> engine;
     QQuickWindow* window = nullptr;
 
-    Scene(const SyntheticArchive* archive, bool signedIn) {
+    Scene(const SyntheticArchive* archive, bool signedIn, const QString& backendUrl = QString()) {
         settings = std::make_unique<QSettings>(dir.filePath("settings.ini"), QSettings::IniFormat);
-        settings->setValue("backendBaseURL", backend.baseUrl().toString());
+        settings->setValue("backendBaseURL", backendUrl.isEmpty() ? backend.baseUrl().toString() : backendUrl);
         // Images come from a CDN this machine may not reach: point it at the loopback backend so
         // the fallbacks show at once instead of after a time-out.
         settings->setValue("quill.cdnBaseURL", backend.baseUrl().toString() + "/cdn/");
@@ -201,6 +201,18 @@ struct Scene {
         settle(500);
     }
 
+    // Types an e-mail and password into the sign-in form and presses its button.
+    void signIn(const QString& email, const QString& password) {
+        QObject* form = find("LoginForm");
+        if (!form)
+            return;
+        form->setProperty("email", email);
+        form->setProperty("password", password);
+        QMetaObject::invokeMethod(form, "submit");
+        waitUntil([this] { return !state->hasRunningTasks(); });
+        settle(300);
+    }
+
     // Picks a queue on the rank screen, as its picker would.
     void setRankQueue(const QString& queue) {
         // Screens left earlier are only deleted later; let them go so that the one in view is found.
@@ -243,6 +255,12 @@ int main(int argc, char* argv[]) {
     {
         Scene signIn(nullptr, false);
         ok &= signIn.shoot(out.filePath("signin.png"));
+    }
+    {
+        // A fresh machine with no backend running: the first sign-in meets a refused connection.
+        Scene noBackend(nullptr, false, QStringLiteral("http://127.0.0.1:1"));
+        noBackend.signIn(QStringLiteral("ada@example.org"), QStringLiteral("correct-horse"));
+        ok &= noBackend.shoot(out.filePath("signin-error.png"));
     }
     {
         Scene empty(nullptr, true);
