@@ -23,6 +23,9 @@ struct ScreenFixture {
 
     explicit ScreenFixture(const QJsonArray& accounts = {ArchiveJson::riotAccount(1, "me")}) {
         settings->setValue("backendBaseURL", backend.baseUrl().toString());
+        // Images are asked of the loopback backend, which has none: no test reaches the internet,
+        // and the fallbacks show at once.
+        settings->setValue("quill.cdnBaseURL", backend.baseUrl().toString() + "/cdn/");
         backend.on("GET", "/api/riot-accounts", FakeResponse::json(ArchiveJson::riotAccounts(accounts)));
         state = std::make_unique<AppState>(*settings, network);
         state->bootstrap(store.get());
