@@ -1,5 +1,5 @@
 // Renders every screen of the app with a prepared archive, headless, one PNG per screen:
-//   screenshot_tour OUTPUT_FOLDER [GAMES]
+//   screenshot_tour OUTPUT_FOLDER [GAMES] [WIDTHxHEIGHT]
 // Run it under QT_QPA_PLATFORM=offscreen (scripts/tour does). The archive comes from the
 // synthetic generator; a loopback fake backend answers the few calls a start-up makes.
 
@@ -104,6 +104,8 @@ struct Scene {
     std::unique_ptr<QQmlApplicationEngine> engine;
     QQuickWindow* window = nullptr;
 
+    static inline QSize windowSize{1280, 800};
+
     Scene(const SyntheticArchive* archive, bool signedIn, const QString& backendUrl = QString()) {
         settings = std::make_unique<QSettings>(dir.filePath("settings.ini"), QSettings::IniFormat);
         settings->setValue("backendBaseURL", backendUrl.isEmpty() ? backend.baseUrl().toString() : backendUrl);
@@ -139,7 +141,7 @@ struct Scene {
         engine->load(QUrl("qrc:/qt/qml/QuillFern/App/Main.qml"));
         window = qobject_cast<QQuickWindow*>(engine->rootObjects().value(0));
         if (window)
-            window->resize(1280, 800);
+            window->resize(windowSize);
         state->bootstrap(store.get());
         waitUntil([this] { return !state->hasRunningTasks(); });
         settle(400);
@@ -237,12 +239,17 @@ struct Scene {
 int main(int argc, char* argv[]) {
     QGuiApplication app(argc, argv);
     if (argc < 2) {
-        std::fprintf(stderr, "usage: screenshot_tour OUTPUT_FOLDER [GAMES]\n");
+        std::fprintf(stderr, "usage: screenshot_tour OUTPUT_FOLDER [GAMES] [WIDTHxHEIGHT]\n");
         return 2;
     }
     const QDir out(QString::fromLocal8Bit(argv[1]));
     QDir().mkpath(out.path());
     const int games = argc > 2 ? QByteArray(argv[2]).toInt() : 400;
+    if (argc > 3) {
+        const QList<QByteArray> size = QByteArray(argv[3]).split('x');
+        if (size.size() == 2 && size[0].toInt() > 0 && size[1].toInt() > 0)
+            Scene::windowSize = QSize(size[0].toInt(), size[1].toInt());
+    }
 
     QQuickStyle::setStyle("Basic");
     Fonts::load();

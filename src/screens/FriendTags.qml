@@ -1,28 +1,46 @@
 import QtQuick
+import QtQuick.Controls
 import QuillFern.Theme
 
-// Friends who were on the user's team.
+// Friends who were on the user's team. Where the row is short of room the names are elided and
+// the whole list shows on hover.
 Rectangle {
     id: root
     property var names: []
+    property real maximumWidth: Infinity
+    property bool hovered: false
 
-    implicitWidth: row.implicitWidth + 14
+    readonly property string joined: names.join(", ")
+    readonly property real padding: 14
+    readonly property bool elided: label.truncated
+
+    implicitWidth: Math.min(content.implicitWidth + padding, maximumWidth)
+    width: implicitWidth
     implicitHeight: 20
     radius: height / 2
     color: Qt.rgba(Theme.teal.r, Theme.teal.g, Theme.teal.b, 0.14)
+    clip: true
 
     Row {
-        id: row
-        anchors.centerIn: parent
+        id: content
+        x: root.padding / 2
+        anchors.verticalCenter: parent.verticalCenter
         spacing: 4
-        Symbol { name: "person.2.fill"; size: 10; color: Theme.teal; anchors.verticalCenter: parent.verticalCenter }
+        Symbol { id: icon; name: "person.2.fill"; size: 10; color: Theme.teal; anchors.verticalCenter: parent.verticalCenter }
         Text {
+            id: label
             anchors.verticalCenter: parent.verticalCenter
-            text: root.names.join(", ")
+            width: Math.max(0, Math.min(implicitWidth, root.maximumWidth - root.padding - icon.width - content.spacing))
+            text: root.joined
+            elide: Text.ElideRight
             color: Theme.teal
             font.family: Theme.fontFamily
             font.pixelSize: 10
             font.weight: Font.DemiBold
         }
     }
+
+    ToolTip.visible: root.hovered && root.elided
+    ToolTip.text: root.joined
+    ToolTip.delay: 400
 }

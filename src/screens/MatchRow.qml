@@ -20,7 +20,8 @@ Item {
         anchors.fill: parent
         anchors.leftMargin: 10
         anchors.rightMargin: 14
-        spacing: 14
+        // Fixed column widths keep the columns of every row aligned; the friends take what is left.
+        spacing: 12
 
         Rectangle {
             Layout.preferredWidth: 4
@@ -33,8 +34,9 @@ Item {
             size: 46
         }
         ColumnLayout {
-            Layout.preferredWidth: 210
-            Layout.maximumWidth: 210
+            Layout.preferredWidth: 175
+            Layout.minimumWidth: 175
+            Layout.maximumWidth: 175
             spacing: 2
             RowLayout {
                 spacing: 8
@@ -73,7 +75,9 @@ Item {
             }
         }
         ColumnLayout {
-            Layout.preferredWidth: 96
+            Layout.preferredWidth: 88
+            Layout.minimumWidth: 88
+            Layout.maximumWidth: 88
             spacing: 2
             KDALine {
                 kills: root.row.kills
@@ -90,7 +94,9 @@ Item {
             }
         }
         ColumnLayout {
-            Layout.preferredWidth: 96
+            Layout.preferredWidth: 80
+            Layout.minimumWidth: 80
+            Layout.maximumWidth: 80
             spacing: 2
             Text {
                 text: root.row.csText
@@ -105,15 +111,29 @@ Item {
                 font.pixelSize: 11
             }
         }
-        ItemRow {
-            items: root.row.items
-            size: 22
+        // Items with the friends beside them, or under them when the row is too narrow for both.
+        Item {
+            id: gear
+            readonly property bool stacked: width < items.width + 12 + 180
+            Layout.fillWidth: true
+            Layout.minimumWidth: items.width
+            Layout.fillHeight: true
+            ItemRow {
+                id: items
+                items: root.row.items
+                size: 20
+                y: gear.stacked && tags.visible ? (gear.height - height - 6 - tags.height) / 2 : (gear.height - height) / 2
+            }
+            FriendTags {
+                id: tags
+                visible: root.row.friendNames.length > 0
+                names: root.row.friendNames
+                x: gear.stacked ? 0 : items.width + 12
+                y: gear.stacked ? items.y + items.height + 6 : (gear.height - height) / 2
+                maximumWidth: gear.stacked ? gear.width : gear.width - items.width - 12
+                hovered: area.containsMouse
+            }
         }
-        FriendTags {
-            visible: root.row.friendNames.length > 0
-            names: root.row.friendNames
-        }
-        Item { Layout.fillWidth: true }
         Symbol { name: "chevron.right"; size: 18; color: Theme.textDim }
     }
 
