@@ -19,6 +19,24 @@ Q_IMPORT_QML_PLUGIN(QuillFern_AppPlugin)
 Q_IMPORT_QML_PLUGIN(QuillFern_ThemePlugin)
 Q_IMPORT_QML_PLUGIN(QuillFern_ScreensPlugin)
 
+namespace {
+
+// Nothing else starts without the archive. The player sees why in a window of its own (a
+// message on the terminal alone would go unseen), and the app ends when it is closed.
+int reportStoreFailure(const QString& message) {
+    std::fprintf(stderr, "%s\n", message.toLocal8Bit().constData());
+    std::fflush(stderr);
+    QQmlApplicationEngine engine;
+    engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    engine.setInitialProperties({{QStringLiteral("message"), message}});
+    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/QuillFern/App/StoreFailure.qml")));
+    if (!engine.rootObjects().isEmpty())
+        QGuiApplication::exec();
+    return 1;
+}
+
+} // namespace
+
 int main(int argc, char* argv[]) {
     QGuiApplication app(argc, argv);
     QGuiApplication::setOrganizationName(QStringLiteral("QuillFern"));
@@ -31,8 +49,7 @@ int main(int argc, char* argv[]) {
     try {
         store = std::make_unique<ArchiveStore>(ArchiveStore::defaultPath());
     } catch (const StoreError& error) {
-        std::fprintf(stderr, "Failed to create the local store: %s\n", error.description().toLocal8Bit().constData());
-        return 1;
+        return reportStoreFailure(QStringLiteral("Failed to create the local store: ") + error.description());
     }
 
     QSettings settings;

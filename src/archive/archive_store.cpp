@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <QStandardPaths>
 #include <QStringList>
+#include <sqlite3.h>
 
 namespace {
 
@@ -98,14 +99,22 @@ QString prepareFolder(const QString& path) {
 ArchiveStore::ArchiveStore(const QString& path, QObject* parent) : QObject(parent), m_db(prepareFolder(path)) {
     // One running copy of the app owns the archive: a second would hold a stale in-memory
     // copy and overwrite the first one's rows.
-    m_db.execute(QStringLiteral("PRAGMA locking_mode = EXCLUSIVE"));
-    m_db.execute(QStringLiteral("PRAGMA journal_mode = WAL"));
-    m_db.execute(QStringLiteral("PRAGMA synchronous = NORMAL"));
-    migrate();
-    load(m_matches);
-    load(m_participants);
-    load(m_rankSnapshots);
-    load(m_scores);
+    try {
+        m_db.execute(QStringLiteral("PRAGMA locking_mode = EXCLUSIVE"));
+        m_db.execute(QStringLiteral("PRAGMA journal_mode = WAL"));
+        m_db.execute(QStringLiteral("PRAGMA synchronous = NORMAL"));
+        migrate();
+        load(m_matches);
+        load(m_participants);
+        load(m_rankSnapshots);
+        load(m_scores);
+    } catch (const StoreError& error) {
+        // SQLite's "database is locked" would leave the player guessing which program holds it.
+        const int primary = error.sqliteCode() & 0xff;
+        if (primary == SQLITE_BUSY || primary == SQLITE_LOCKED)
+            throw StoreError(QString::fromLatin1(inUseByAnotherCopy), error.sqliteCode());
+        throw;
+    }
 }
 
 ArchiveStore::~ArchiveStore() = default;

@@ -20,6 +20,8 @@ class ArchiveStore : public QObject {
 public:
     // The schema this build reads and writes; older files are migrated step by step.
     static constexpr int schemaVersion = 1;
+    // Why the archive cannot be opened while another running copy of the app holds it.
+    static constexpr const char* inUseByAnotherCopy = "The archive is open in another copy of Quill Fern.";
 
     // Opens (creating when absent) the archive at path. Throws StoreError.
     explicit ArchiveStore(const QString& path, QObject* parent = nullptr);

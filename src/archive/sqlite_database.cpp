@@ -15,7 +15,7 @@ SqliteDatabase::SqliteDatabase(const QString& path) {
         const QString message = m_db ? QString::fromUtf8(sqlite3_errmsg(m_db)) : QString::fromUtf8(sqlite3_errstr(code));
         sqlite3_close(m_db);
         m_db = nullptr;
-        throw StoreError(message);
+        throw StoreError(message, code);
     }
     sqlite3_extended_result_codes(m_db, 1);
 }
@@ -26,7 +26,7 @@ SqliteDatabase::~SqliteDatabase() {
 
 void SqliteDatabase::fail(int code) const {
     const char* message = m_db ? sqlite3_errmsg(m_db) : sqlite3_errstr(code);
-    throw StoreError(QString::fromUtf8(message));
+    throw StoreError(QString::fromUtf8(message), code);
 }
 
 void SqliteDatabase::execute(const QString& sql) {

@@ -20,6 +20,7 @@ const QHash<QString, char16_t>& table() {
         {QStringLiteral("circle.fill"), 0xef4a},               // circle
         {QStringLiteral("clock.badge.xmark"), 0xe426},         // timer_off
         {QStringLiteral("envelope.fill"), 0xe158},             // mail
+        {QStringLiteral("exclamationmark.triangle.fill"), 0xe002}, // warning
         {QStringLiteral("eye.fill"), 0xe8f4},                  // visibility
         {QStringLiteral("flame.fill"), 0xef55},                // local_fire_department
         {QStringLiteral("gamecontroller.fill"), 0xea28},       // sports_esports

@@ -229,7 +229,13 @@ private Q_SLOTS:
         ArchiveStore first(m_path);
         first.matches().insert(std::make_unique<LocalMatch>());
         first.save();
-        QVERIFY_THROWS_EXCEPTION(StoreError, ArchiveStore second(m_path));
+        try {
+            ArchiveStore second(m_path);
+            QFAIL("a second store opened the archive in use");
+        } catch (const StoreError& error) {
+            QCOMPARE(error.description(), QString::fromLatin1(ArchiveStore::inUseByAnotherCopy));
+        }
+        QCOMPARE(first.matches().count(), 1);
     }
 
     void duplicateServerIdsAreFetchedOldestFirst() {
