@@ -56,7 +56,7 @@ Item {
     Image {
         id: portrait
         anchors.fill: parent
-        source: root.name.length > 0 ? GameImages.champion(root.name) : ""
+        source: root.name.length > 0 ? GameImages.champion(root.name, GameImages.version) : ""
         asynchronous: true
         cache: true
         sourceSize: Qt.size(root.size * 2, root.size * 2)

@@ -22,7 +22,7 @@ Item {
         id: picture
         anchors.fill: parent
         visible: root.itemId !== 0 && status === Image.Ready
-        source: root.itemId !== 0 ? GameImages.item(root.itemId) : ""
+        source: root.itemId !== 0 ? GameImages.item(root.itemId, GameImages.version) : ""
         asynchronous: true
         sourceSize: Qt.size(root.size * 2, root.size * 2)
     }

@@ -24,7 +24,7 @@ Item {
     Image {
         id: icon
         anchors.fill: parent
-        source: root.iconId >= 0 ? GameImages.profileIcon(root.iconId) : ""
+        source: root.iconId >= 0 ? GameImages.profileIcon(root.iconId, GameImages.version) : ""
         asynchronous: true
         sourceSize: Qt.size(root.size * 2, root.size * 2)
         visible: false

@@ -9,8 +9,9 @@
 class QQmlEngine;
 class QJSEngine;
 
-// Image addresses for QML: champion portraits, item and profile icons at the current data
-// version. Bindings that read `version` follow a version change.
+// Image addresses for QML: champion portraits, item and profile icons. Each address takes the
+// data version as an argument, so that a binding passing `GameImages.version` follows a change of
+// version (a binding does not see what an invoked method reads).
 class GameImages : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -30,9 +31,13 @@ public:
     void setVersion(const QString& version);
     [[nodiscard]] const QString& version() const { return m_version; }
 
-    Q_INVOKABLE QUrl champion(const QString& name) const { return m_ddragon.championIcon(name, m_version); }
-    Q_INVOKABLE QUrl item(qint64 id) const { return m_ddragon.itemIcon(id, m_version); }
-    Q_INVOKABLE QUrl profileIcon(qint64 id) const { return m_ddragon.profileIcon(id, m_version); }
+    Q_INVOKABLE QUrl champion(const QString& name, const QString& version) const {
+        return m_ddragon.championIcon(name, version);
+    }
+    Q_INVOKABLE QUrl item(qint64 id, const QString& version) const { return m_ddragon.itemIcon(id, version); }
+    Q_INVOKABLE QUrl profileIcon(qint64 id, const QString& version) const {
+        return m_ddragon.profileIcon(id, version);
+    }
 
 Q_SIGNALS:
     void versionChanged();

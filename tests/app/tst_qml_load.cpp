@@ -1,6 +1,7 @@
 #include "support/screen_fixture.h"
 #include "synthetic_archive.h"
 #include "theme/fonts.h"
+#include "theme/game_images.h"
 
 #include <QQmlComponent>
 #include <QQmlEngine>
@@ -18,8 +19,8 @@ namespace {
 QStringList g_warnings;
 
 bool isImageLoadNoise(const QString& message) {
-    // Image loads fail on purpose here (the CDN has no images). A view torn down while its failed
-    // loads are still being reported makes Qt's network layer complain of a second error.
+    // Image loads fail on purpose here (the loopback CDN has no images). A view torn down while
+    // its failed loads are still being reported makes Qt's network layer complain twice.
     return message.contains(QLatin1String("QML Image")) || message.contains(QLatin1String("QQuickImage")) ||
            message.contains(QLatin1String("QNetworkReplyImplPrivate::error"));
 }
@@ -36,6 +37,20 @@ class TestQmlLoad : public QObject {
     Q_OBJECT
 
     std::unique_ptr<ScreenFixture> m_fixture;
+    std::unique_ptr<GameImages> m_images;
+
+    // The first item below root whose image source is set.
+    static QString firstImageSource(QQuickItem* root) {
+        for (QQuickItem* child : root->childItems()) {
+            const QVariant source = child->property("source");
+            if (source.isValid() && !source.toUrl().isEmpty())
+                return source.toUrl().toString();
+            const QString below = firstImageSource(child);
+            if (!below.isEmpty())
+                return below;
+        }
+        return QString();
+    }
 
 private Q_SLOTS:
     void initTestCase() {
@@ -50,6 +65,8 @@ private Q_SLOTS:
         m_fixture = std::make_unique<ScreenFixture>(accounts);
         archive.fill(*m_fixture->store);
         AppState::exposeToQml(m_fixture->state.get());
+        m_images = std::make_unique<GameImages>(m_fixture->state->ddragon());
+        GameImages::exposeToQml(m_images.get());
     }
 
     void screens_data() {
@@ -105,7 +122,30 @@ private Q_SLOTS:
         QVERIFY2(g_warnings.isEmpty(), qPrintable(g_warnings.join('\n')));
     }
 
-    void cleanupTestCase() { m_fixture.reset(); }
+    // Pictures already on screen move to a newer data version when it arrives.
+    void imagesFollowTheDataVersion() {
+        QQmlEngine engine;
+        engine.addImportPath("qrc:/qt/qml");
+        QQmlComponent component(&engine);
+        component.setData("import QtQuick\nimport QuillFern.Theme\n"
+                          "Row { ChampionIcon { name: \"Lee Sin\" } ItemIcon { itemId: 3031 } "
+                          "SummonerAvatar { iconId: 7 } }\n",
+                          QUrl("qrc:/version.qml"));
+        std::unique_ptr<QObject> object(component.create());
+        QVERIFY2(object, qPrintable(component.errorString()));
+        const QList<QQuickItem*> icons = qobject_cast<QQuickItem*>(object.get())->childItems();
+        QCOMPARE(icons.size(), 3);
+        m_images->setVersion(QStringLiteral("16.12.1"));
+        for (QQuickItem* icon : icons)
+            QVERIFY2(firstImageSource(icon).contains(QLatin1String("/16.12.1/")), qPrintable(firstImageSource(icon)));
+        m_images->setVersion(QStringLiteral("16.11.1"));
+    }
+
+    void cleanupTestCase() {
+        GameImages::exposeToQml(nullptr);
+        m_images.reset();
+        m_fixture.reset();
+    }
 };
 
 QTEST_MAIN(TestQmlLoad)
