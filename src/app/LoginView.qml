@@ -46,7 +46,6 @@ Item {
                 anchors.horizontalCenter: parent.horizontalCenter
                 text: "QUILL FERN"
                 size: 28
-                font.letterSpacing: 2
             }
             Text {
                 anchors.horizontalCenter: parent.horizontalCenter

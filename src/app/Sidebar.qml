@@ -140,18 +140,35 @@ Item {
                         name: "arrow.clockwise"
                         size: 13
                         color: Theme.goldBright
-                        RotationAnimator on rotation {
-                            running: AppState.isSyncing
+                        // Turns while a sync runs and, when it ends, eases back to rest by the
+                        // shorter way round. Driven from one handler so that the two never race.
+                        RotationAnimation {
+                            id: spin
+                            target: syncSymbol
                             from: 0; to: 360
                             duration: 1000
                             loops: Animation.Infinite
-                            easing.type: Easing.Linear
                         }
-                        // Back to rest when the sync ends.
-                        Behavior on rotation { enabled: !AppState.isSyncing; NumberAnimation { duration: 250 } }
+                        RotationAnimation {
+                            id: settle
+                            target: syncSymbol
+                            duration: 250
+                            direction: RotationAnimation.Shortest
+                            to: 0
+                        }
+                        function follow() {
+                            if (AppState.isSyncing) {
+                                settle.stop()
+                                spin.start()
+                            } else if (spin.running) {
+                                spin.stop()
+                                settle.start()
+                            }
+                        }
+                        Component.onCompleted: follow()
                         Connections {
                             target: AppState
-                            function onIsSyncingChanged() { if (!AppState.isSyncing) syncSymbol.rotation = 0 }
+                            function onIsSyncingChanged() { syncSymbol.follow() }
                         }
                     }
                     Text {

@@ -2,6 +2,8 @@
 
 #include "app/app_state.h"
 
+#include <QTextBoundaryFinder>
+
 LoginForm::LoginForm(QObject* parent) : QObject(parent) {
     connect(this, &LoginForm::fieldsChanged, this, &LoginForm::stateChanged);
     connect(this, &LoginForm::busyChanged, this, &LoginForm::stateChanged);
@@ -28,8 +30,17 @@ void LoginForm::setPassword(const QString& password) {
     Q_EMIT fieldsChanged();
 }
 
+// Characters as the player sees them: an emoji or a letter with its accent counts once.
+static int characterCount(const QString& text) {
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
+    int count = 0;
+    while (finder.toNextBoundary() > 0)
+        ++count;
+    return count;
+}
+
 bool LoginForm::canSubmit() const {
-    return !m_busy && !m_email.isEmpty() && m_password.size() >= minimumPasswordLength;
+    return !m_busy && !m_email.isEmpty() && characterCount(m_password) >= minimumPasswordLength;
 }
 
 QString LoginForm::submitLabel() const {

@@ -64,7 +64,9 @@ Item {
                             height: 28
                             width: chipLabel.implicitWidth + 24
                             radius: 14
-                            color: modelData.selected ? Qt.rgba(modelData.tint.r, modelData.tint.g, modelData.tint.b, 0.9)
+                            // The tint's own opacity counts too: "Other" is a translucent white.
+                            color: modelData.selected ? Qt.rgba(modelData.tint.r, modelData.tint.g, modelData.tint.b,
+                                                                modelData.tint.a * 0.9)
                                                       : Qt.rgba(1, 1, 1, 0.05)
                             border.width: modelData.selected ? 0 : 1
                             border.color: Qt.rgba(1, 1, 1, 0.12)

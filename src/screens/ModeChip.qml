@@ -10,9 +10,9 @@ Rectangle {
     implicitWidth: label.implicitWidth + 12
     implicitHeight: 16
     radius: height / 2
-    color: Qt.rgba(tint.r, tint.g, tint.b, 0.18)
+    color: Qt.rgba(tint.r, tint.g, tint.b, tint.a * 0.18)
     border.width: 0.5
-    border.color: Qt.rgba(tint.r, tint.g, tint.b, 0.45)
+    border.color: Qt.rgba(tint.r, tint.g, tint.b, tint.a * 0.45)
 
     Text {
         id: label
@@ -21,7 +21,7 @@ Rectangle {
         color: root.tint
         font.family: Theme.fontFamily
         font.pixelSize: 9
-        font.weight: Font.Black
+        font.weight: Font.ExtraBold
         font.letterSpacing: 0.4
     }
 }

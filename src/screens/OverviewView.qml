@@ -71,7 +71,7 @@ Item {
                                 color: "white"
                                 font.family: Theme.fontFamily
                                 font.pixelSize: 26
-                                font.weight: Font.Black
+                                font.weight: Font.ExtraBold
                             }
                             Text {
                                 anchors.baseline: heroNameText.baseline
@@ -156,7 +156,7 @@ Item {
                         value: modelData.value
                         unit: modelData.unit
                         meter: modelData.meter
-                        tint: modelData.tint
+                        accent: modelData.tint
                     }
                 }
             }
@@ -189,12 +189,12 @@ Item {
                             }
                         }
                         Row {
-                            spacing: 5
+                            spacing: 4
                             Repeater {
                                 model: overview.formResults
                                 Rectangle {
                                     required property var modelData
-                                    width: 14; height: 14; radius: 3
+                                    width: 7; height: 7; radius: 1.5
                                     color: modelData ? Theme.win : Theme.loss
                                 }
                             }

@@ -64,7 +64,7 @@ void HistoryModel::applyFilter() {
 
 double HistoryModel::winPercent() const {
     const int games = m_rows->rowCount();
-    return games > 0 ? 100.0 * m_wins / games : 0.0;
+    return games > 0 ? double(m_wins) / double(games) * 100.0 : 0.0;
 }
 
 QString HistoryModel::gamesText() const {

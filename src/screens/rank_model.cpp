@@ -10,8 +10,10 @@
 
 namespace {
 
-qint64 percentOf(qint64 part, qint64 whole) {
-    return std::llround(100.0 * static_cast<double>(part) / static_cast<double>(whole));
+// The share first, then the scaling: at exact halves the two orders round differently in
+// floating point (23 of 40 is 57.49999… this way), and every screen must agree.
+double percentOf(qint64 part, qint64 whole) {
+    return static_cast<double>(part) / static_cast<double>(whole) * 100.0;
 }
 
 } // namespace
@@ -98,14 +100,14 @@ bool RankModel::hasWinRate() const {
 QString RankModel::winRateText() const {
     if (!hasWinRate())
         return {};
-    return QString::asprintf("%lld%% WR",
-                             static_cast<long long>(percentOf(m_current->wins, m_current->wins + m_current->losses)));
+    const double percent = percentOf(m_current->wins, m_current->wins + m_current->losses);
+    return QString::asprintf("%lld%% WR", static_cast<long long>(std::llround(percent)));
 }
 
 double RankModel::winPercent() const {
     if (!hasWinRate())
         return 0;
-    return 100.0 * static_cast<double>(m_current->wins) / static_cast<double>(m_current->wins + m_current->losses);
+    return percentOf(m_current->wins, m_current->wins + m_current->losses);
 }
 
 std::vector<QPointF> RankModel::smoothLine(const std::vector<QPointF>& points, int stepsPerSegment) {

@@ -8,7 +8,8 @@ GlassCard {
     property string value
     property string unit: ""
     property real meter: -1          // below 0: no meter
-    property color tint: Theme.gold
+    // The meter's colour; the card itself stays plain glass.
+    property color accent: Theme.gold
 
     Column {
         width: parent.width
@@ -39,7 +40,7 @@ GlassCard {
             width: parent.width
             visible: root.meter >= 0
             pct: root.meter
-            tint: root.tint
+            tint: root.accent
         }
     }
 }

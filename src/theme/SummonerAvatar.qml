@@ -35,6 +35,15 @@ Item {
         radius: root.size * 0.28
         visible: false
     }
+    DropShadow {
+        anchors.fill: masked
+        source: masked
+        radius: 8
+        samples: 17
+        verticalOffset: 2
+        color: Qt.rgba(0, 0, 0, 0.45)
+        visible: masked.visible
+    }
     OpacityMask {
         id: masked
         anchors.fill: parent

@@ -47,17 +47,17 @@ Item {
     }
 
     Glow {
-        tint: Theme.gold; strength: 0.55 * 0.45
+        tint: Theme.gold; strength: 0.55
         width: root.width * 0.75; height: root.height * 0.8
         x: -width * 0.3; y: -height * 0.35
     }
     Glow {
-        tint: Theme.teal; strength: 0.42 * 0.45
+        tint: Theme.teal; strength: 0.42
         width: root.width * 0.7; height: root.height * 0.8
         x: root.width - width * 0.6; y: root.height - height * 0.55
     }
     Glow {
-        tint: Theme.orange; strength: 0.30 * 0.45
+        tint: Theme.orange; strength: 0.30
         width: root.width * 0.55; height: root.height * 0.6
         x: root.width - width * 0.55; y: -height * 0.4
     }

@@ -85,14 +85,6 @@ private Q_SLOTS:
         QVERIFY(!m_state->errorMessage());
     }
 
-    void staticVersionStaysWhenTheBackendIsDown() {
-        m_backend.reset();
-        m_state->bootstrap(m_store.get());
-        waitIdle();
-        QCOMPARE(m_state->staticVersion(), QStringLiteral("16.11.1"));
-        QVERIFY(!m_state->errorMessage());
-    }
-
     void restoredButExpiredToken() {
         (*m_settings)->setValue("authToken", "stale");
         const FakeResponse rejected = FakeResponse::text(401, "{\"detail\":\"expired\"}");

@@ -52,6 +52,7 @@ class TestAppWindow : public QObject {
     void writeBackendPreference(const QTemporaryDir& home, const QString& url) {
         QSettings settings(home.filePath(".config/QuillFern/QuillFern.conf"), QSettings::IniFormat);
         settings.setValue("backendBaseURL", url);
+        settings.setValue("quill.cdnBaseURL", "http://127.0.0.1:9/cdn/");
     }
 
 private Q_SLOTS:

@@ -55,6 +55,9 @@ private Q_SLOTS:
         QTest::addColumn<bool>("enabled");
         QTest::newRow("8 characters") << "a@b.c" << "12345678" << true;
         QTest::newRow("7 characters") << "a@b.c" << "1234567" << false;
+        QTest::newRow("7 emoji, 14 code units") << "a@b.c" << QString::fromUtf8("🐉🐉🐉🐉🐉🐉🐉") << false;
+        QTest::newRow("4 accented letters, 8 code units")
+            << "a@b.c" << QString::fromUtf8("e\u0301").repeated(4) << false;
         QTest::newRow("no e-mail") << "" << "12345678" << false;
         QTest::newRow("spaces count as typed") << " " << "        " << true;
         QTest::newRow("e-mail form is not checked") << "not-an-email" << "12345678" << true;
@@ -214,7 +217,6 @@ private Q_SLOTS:
     }
 
     void staticDataWithTheBackendDown() {
-        quint16 cdnPort = m_backend->port();
         m_backend->on("GET", "/cdn/16.11.1/data/en_US/champion.json",
                       FakeResponse{200, R"({"data":{"Ahri":{"key":"103","id":"Ahri"},"X":{"key":"x1","id":"X"}}})", {}});
         m_backend->on("GET", "/api/static/version", FakeResponse::text(503, "down"));
@@ -224,7 +226,6 @@ private Q_SLOTS:
         QCOMPARE(m_state->championsById().size(), 1);
         QCOMPARE(m_state->championsById().value(103), QStringLiteral("Ahri"));
         QVERIFY(!m_state->errorMessage());
-        QVERIFY(cdnPort > 0);
     }
 
     void staticVersionFromTheBackendPicksTheList() {

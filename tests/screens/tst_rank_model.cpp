@@ -88,6 +88,10 @@ private Q_SLOTS:
                                              << "0 LP"
                                              << "2W 1L"
                                              << "67% WR" << QList<qint64>{800} << QStringList{"Silver IV"};
+        QTest::newRow("23 of 40 is just under a half") << Snaps{{day(1), "GOLD", "I", 0, 23, 17}} << solo << "Gold I"
+                                                       << "0 LP"
+                                                       << "23W 17L"
+                                                       << "57% WR" << QList<qint64>{1500} << QStringList{"Gold I"};
         QTest::newRow("no games: no win rate") << Snaps{{day(1), "IRON", "IV", 0, 0, 0}} << solo << "Iron IV"
                                                << "0 LP"
                                                << "0W 0L"
