@@ -93,6 +93,31 @@ private Q_SLOTS:
         QCOMPARE(m_state->phase(), AppState::Phase::SignedIn);
     }
 
+    // The League button stays busy for exactly its own attempt and leaves the e-mail sign-in usable.
+    void leagueButtonIsBusyForItsAttempt() {
+        m_state->setLeagueClientSources({{m_dir.filePath(QStringLiteral("no-lockfile"))},
+                                         [] { return std::optional<QByteArray>(QByteArray()); }});
+        m_state->bootstrap(m_store.get());
+        LoginForm form;
+        form.setAppState(m_state.get());
+        form.setEmail("a@b.c");
+        form.setPassword("password1");
+        QList<bool> leagueBusy;
+        bool submitBlocked = false;
+        connect(&form, &LoginForm::busyChanged, this, [&] {
+            leagueBusy << form.leagueBusy();
+            submitBlocked |= form.leagueBusy() && !form.canSubmit();
+        });
+        form.signInWithLeague();
+        waitIdle();
+        QCOMPARE(leagueBusy, (QList<bool>{true, false}));
+        QVERIFY(!submitBlocked);
+        QCOMPARE(m_state->errorMessage(),
+                 std::optional<QString>("League client isn't running. Open the client (not just a game) and try again."));
+        QVERIFY(form.canUseLeague());
+        QCOMPARE(m_state->phase(), AppState::Phase::SignedOut);
+    }
+
     void toggleClearsErrorKeepsFields() {
         m_backend->on("POST", "/api/auth/login", FakeResponse::text(403, "wrong password"));
         m_state->bootstrap(m_store.get());

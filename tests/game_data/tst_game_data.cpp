@@ -42,6 +42,16 @@ private Q_SLOTS:
         QTest::newRow("empty mode") << qint64(1234) << text("") << "Other" << "Queue 1234";
         QTest::newRow("unknown mode of two words") << qint64(2000) << text("DOOM bots") << "Other" << "Doom Bots";
         QTest::newRow("missing mode on an unknown queue") << qint64(2000) << none << "Other" << "Queue 2000";
+        // Every label a player reads, so that none drifts from its wording.
+        QTest::newRow("flex") << qint64(440) << none << "Ranked" << "Ranked Flex";
+        QTest::newRow("arena queue") << qint64(1710) << none << "Arena" << "Arena";
+        QTest::newRow("quickplay") << qint64(490) << text("classic") << "Normal" << "Quickplay";
+        QTest::newRow("one for all") << qint64(1020) << text("ONEFORALL") << "Other" << "One for All";
+        QTest::newRow("normal draft") << qint64(400) << text("CLASSIC") << "Normal" << "Normal Draft";
+        QTest::newRow("ARAM clash") << qint64(720) << text("ARAM") << "Normal" << "Clash";
+        QTest::newRow("nexus blitz") << qint64(1300) << text("NEXUSBLITZ") << "Other" << "Nexus Blitz";
+        QTest::newRow("spellbook") << qint64(1400) << text("ultbook") << "Other" << "Ultimate Spellbook";
+        QTest::newRow("brawl") << qint64(2300) << text("BRAWL") << "Other" << "Brawl";
     }
     void classification() {
         QFETCH(qint64, queue);
@@ -66,6 +76,9 @@ private Q_SLOTS:
         QTest::newRow("missing") << none << "\u2014";
         QTest::newRow("unknown") << text("CARRY") << "\u2014";
         QTest::newRow("jungle mixed case") << text("Jungle") << "Jungle";
+        QTest::newRow("middle") << text("MIDDLE") << "Mid";
+        QTest::newRow("bottom") << text("BOTTOM") << "Bot";
+        QTest::newRow("top") << text("TOP") << "Top";
     }
     void positions() {
         QFETCH(std::optional<QString>, position);
@@ -92,6 +105,8 @@ private Q_SLOTS:
         QTest::newRow("no tier") << none << text("II") << qint64(10) << qint64(-1) << "Unranked";
         QTest::newRow("challenger lower case") << text("challenger") << none << qint64(1200) << qint64(4800)
                                                << "Challenger";
+        QTest::newRow("grandmaster") << text("GRANDMASTER") << text("I") << qint64(0) << qint64(3200) << "Grandmaster";
+        QTest::newRow("no division below master") << text("SILVER") << none << qint64(30) << qint64(830) << "Silver";
     }
     void rankMath() {
         QFETCH(std::optional<QString>, tier);

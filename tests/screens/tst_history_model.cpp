@@ -220,6 +220,40 @@ private Q_SLOTS:
         QCOMPARE(model.teams().at(1).toMap().value("title").toString(), QStringLiteral("Enemy Team"));
     }
 
+    // The friend mark follows the duo list alone: the user's other account is marked only when it
+    // is a duo itself, and the user's own row never is.
+    void detailFriendMarks_data() {
+        QTest::addColumn<bool>("altIsADuo");
+        QTest::newRow("other account not a duo") << false;
+        QTest::newRow("other account a duo") << true;
+    }
+    void detailFriendMarks() {
+        QFETCH(bool, altIsADuo);
+        ScreenFixture f({riotAccount(1, "me"), riotAccount(2, "alt")});
+        QJsonArray duos{QJsonObject{{"puuid", "me"}, {"riot_id", "Me#1"}, {"games", 2}, {"wins", 1}, {"losses", 1}, {"winrate", 0.5}},
+                        QJsonObject{{"puuid", "mate"}, {"riot_id", "Mate#1"}, {"games", 2}, {"wins", 1}, {"losses", 1}, {"winrate", 0.5}}};
+        if (altIsADuo)
+            duos.append(QJsonObject{{"puuid", "alt"}, {"riot_id", "Alt#1"}, {"games", 2}, {"wins", 1}, {"losses", 1}, {"winrate", 0.5}});
+        f.backend.on("GET", "/api/stats/duos", FakeResponse::json({{"duos", duos}}));
+        runTask(f.state->loadDuos());
+        f.addMatch(match(1));
+        int id = 0;
+        for (const char* puuid : {"me", "alt", "mate", "stranger"})
+            f.addParticipant(participant(++id, 1, puuid));
+        f.save();
+        MatchDetailModel model;
+        model.setAppState(f.state.get());
+        model.setMatchServerId(1);
+        QHash<QString, bool> marked;
+        for (const QVariant& row : model.teams().at(0).toMap().value("rows").toList())
+            marked.insert(row.toMap().value("displayName").toString(), row.toMap().value("isFriend").toBool());
+        QCOMPARE(marked.size(), 4);
+        QCOMPARE(marked.value("me"), false);
+        QCOMPARE(marked.value("alt"), altIsADuo);
+        QCOMPARE(marked.value("mate"), true);
+        QCOMPARE(marked.value("stra"), false);
+    }
+
     void detailWithoutDamageOrOthers() {
         ScreenFixture f;
         f.addMatch(match(1));

@@ -61,6 +61,10 @@ private Q_SLOTS:
         const QVariantMap card = model.statCards().at(3).toMap();
         QCOMPARE(card.value("title").toString() + " " + card.value("value").toString(), streakCard);
         QCOMPARE(model.formLabel(), QStringLiteral("Recent Form · Last %1").arg(results.size()));
+        QVariantList shown;
+        for (bool won : results)
+            shown << won;
+        QCOMPARE(model.formResults(), shown);
     }
 
     void fourteenGames() {
