@@ -111,7 +111,7 @@ Item {
                     }
                 }
                 Text {
-                    text: root.model.archivedCount + " games archived"
+                    text: root.model.archivedText
                     color: "white"
                     font.family: Theme.fontFamily
                     font.pixelSize: 12

@@ -24,6 +24,7 @@ class SidebarModel : public ScreenModel {
     Q_PROPERTY(QString toolbarAccount READ toolbarAccount NOTIFY changed)
     Q_PROPERTY(QString rankLine READ rankLine NOTIFY changed)
     Q_PROPERTY(int archivedCount READ archivedCount NOTIFY changed)
+    Q_PROPERTY(QString archivedText READ archivedText NOTIFY changed)
     Q_PROPERTY(int avatarIconId READ avatarIconId NOTIFY changed)
     Q_PROPERTY(QString avatarChampion READ avatarChampion NOTIFY changed)
     Q_PROPERTY(bool hasAccounts READ hasAccounts NOTIFY changed)
@@ -35,6 +36,9 @@ public:
     [[nodiscard]] const QString& toolbarAccount() const { return m_toolbarAccount; }
     [[nodiscard]] const QString& rankLine() const { return m_rankLine; }
     [[nodiscard]] int archivedCount() const { return m_archivedCount; }
+    [[nodiscard]] QString archivedText() const {
+        return QString::asprintf("%lld games archived", static_cast<long long>(m_archivedCount));
+    }
     [[nodiscard]] int avatarIconId() const { return m_avatarIconId; }
     [[nodiscard]] const QString& avatarChampion() const { return m_avatarChampion; }
     [[nodiscard]] bool hasAccounts() const { return m_hasAccounts; }

@@ -64,11 +64,13 @@ std::optional<QHash<qint64, QString>> DDragon::parseChampionList(const QByteArra
     QHash<qint64, QString> result;
     const QJsonObject entries = data.toObject();
     for (auto it = entries.constBegin(); it != entries.constEnd(); ++it) {
+        // An entry without its texts means a list of another shape: keep the map already known
+        // rather than a partial one. Only a key that is not a number is passed over.
         const QJsonObject entry = it.value().toObject();
         const QJsonValue key = entry.value(QLatin1String("key"));
         const QJsonValue id = entry.value(QLatin1String("id"));
-        if (!key.isString() || !id.isString())
-            continue;
+        if (!it.value().isObject() || !key.isString() || !id.isString())
+            return std::nullopt;
         if (const auto number = parseChampionKey(key.toString()))
             result.insert(*number, id.toString());
     }

@@ -17,6 +17,8 @@ Item {
         width: root.width - root.gutter - 10
         height: root.height - 30
         readonly property var line: root.chart ? root.chart.chartLine.map(p => Qt.point(p.x * width, p.y * height)) : []
+        // The highest point of the line: the area is at its strongest there.
+        readonly property real lineTop: line.length > 0 ? Math.min(...line.map(p => p.y)) : 0
 
         Repeater {
             model: root.chart ? root.chart.yTicks : []
@@ -73,7 +75,7 @@ Item {
                 strokeWidth: -1
                 strokeColor: "transparent"
                 fillGradient: LinearGradient {
-                    x1: 0; y1: 0; x2: 0; y2: plot.height
+                    x1: 0; y1: plot.lineTop; x2: 0; y2: plot.height
                     GradientStop { position: 0; color: Qt.rgba(Theme.gold.r, Theme.gold.g, Theme.gold.b, 0.35) }
                     GradientStop { position: 1; color: Qt.rgba(Theme.gold.r, Theme.gold.g, Theme.gold.b, 0) }
                 }

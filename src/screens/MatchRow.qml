@@ -37,23 +37,20 @@ Item {
             Layout.preferredWidth: 175
             Layout.minimumWidth: 175
             Layout.maximumWidth: 175
-            spacing: 2
-            RowLayout {
-                spacing: 8
-                Text {
-                    text: root.row.championName
-                    color: Theme.text
-                    font.family: Theme.fontFamily
-                    font.pixelSize: 14
-                    font.weight: Font.Bold
-                }
-                Text {
-                    text: root.row.resultText
-                    color: root.row.win ? Theme.win : Theme.loss
-                    font.family: Theme.fontFamily
-                    font.pixelSize: 12
-                    font.weight: Font.DemiBold
-                }
+            spacing: 1
+            Text {
+                text: root.row.championName
+                color: Theme.text
+                font.family: Theme.fontFamily
+                font.pixelSize: 14
+                font.weight: Font.Bold
+            }
+            Text {
+                text: root.row.resultText
+                color: root.row.win ? Theme.win : Theme.loss
+                font.family: Theme.fontFamily
+                font.pixelSize: 11
+                font.weight: Font.DemiBold
             }
             RowLayout {
                 spacing: 6

@@ -94,21 +94,18 @@ Item {
                             font.pixelSize: 16
                             font.weight: Font.DemiBold
                         }
-                        RowLayout {
-                            spacing: 10
-                            Text {
-                                text: rank.recordText
-                                color: Theme.textSecondary
-                                font.family: Theme.fontFamily
-                                font.pixelSize: 13
-                            }
-                            Text {
-                                visible: rank.hasWinRate
-                                text: rank.winRateText
-                                color: Theme.textSecondary
-                                font.family: Theme.fontFamily
-                                font.pixelSize: 13
-                            }
+                        Text {
+                            text: rank.recordText
+                            color: Theme.textSecondary
+                            font.family: Theme.fontFamily
+                            font.pixelSize: 13
+                        }
+                        Text {
+                            visible: rank.hasWinRate
+                            text: rank.winRateText
+                            color: Theme.textSecondary
+                            font.family: Theme.fontFamily
+                            font.pixelSize: 13
                         }
                     }
                     Item { Layout.fillWidth: true }

@@ -230,11 +230,11 @@ private Q_SLOTS:
         QCOMPARE(model.accountName(), QStringLiteral("Summoner"));
         QCOMPARE(model.toolbarAccount(), QStringLiteral("Account"));
         QCOMPARE(model.rankLine(), QStringLiteral("Unranked"));
-        QCOMPARE(model.archivedCount(), 0);
+        QCOMPARE(model.archivedText(), QStringLiteral("0 games archived"));
 
         // Signing in links the account and the sync raises the count as pages are saved.
         runTask(m_state->login("a@b.c", "password1"));
-        QCOMPARE(model.archivedCount(), 2);
+        QCOMPARE(model.archivedText(), QStringLiteral("2 games archived"));
         QCOMPARE(model.accountName(), QStringLiteral("Ada#EUW"));
         QCOMPARE(model.toolbarAccount(), QStringLiteral("Ada#EUW"));
         QCOMPARE(model.avatarChampion(), QStringLiteral("Lux"));

@@ -56,14 +56,16 @@ private Q_SLOTS:
         const QByteArray json = R"({"type":"champion","data":{
             "Ahri":{"key":"103","id":"Ahri","name":"Ahri"},
             "MonkeyKing":{"key":"62","id":"MonkeyKing","name":"Wukong"},
-            "Broken":{"key":"abc","id":"Broken"},
-            "NoKey":{"id":"NoKey"}}})";
+            "Broken":{"key":"abc","id":"Broken"}}})";
         const auto map = DDragon::parseChampionList(json);
         QVERIFY(map);
         QCOMPARE(map->size(), 2);
         QCOMPARE(map->value(62), QStringLiteral("MonkeyKing"));
         QVERIFY(!DDragon::parseChampionList("not json"));
         QVERIFY(!DDragon::parseChampionList(R"({"data":[]})"));
+        // A list of another shape is refused whole, so the map already known stays.
+        QVERIFY(!DDragon::parseChampionList(R"({"data":{"Ahri":{"key":"103","id":"Ahri"},"NoKey":{"id":"NoKey"}}})"));
+        QVERIFY(!DDragon::parseChampionList(R"({"data":{"Ahri":{"key":103,"id":"Ahri"}}})"));
     }
 };
 
