@@ -270,6 +270,23 @@ int main(int argc, char* argv[]) {
         ok &= noBackend.shoot(out.filePath("signin-error.png"));
     }
     {
+        // What a player sees when the archive cannot be opened.
+        QQmlApplicationEngine engine;
+        engine.addImportPath("qrc:/qt/qml");
+        engine.setInitialProperties(
+            {{"message", QStringLiteral("Failed to create the local store: file is not a database")}});
+        engine.load(QUrl("qrc:/qt/qml/QuillFern/App/StoreFailure.qml"));
+        if (auto* window = qobject_cast<QQuickWindow*>(engine.rootObjects().value(0))) {
+            settle(300);
+            const QString path = out.filePath("store-failure.png");
+            const bool saved = window->grabWindow().save(path);
+            std::printf("%s %s\n", saved ? "wrote" : "FAILED", qPrintable(path));
+            ok &= saved;
+        } else {
+            ok = false;
+        }
+    }
+    {
         Scene empty(nullptr, true);
         ok &= empty.shoot(out.filePath("overview-empty.png"));
         empty.select(1);
