@@ -50,8 +50,15 @@ Item {
                 Layout.fillHeight: true
                 Layout.margins: 28
                 Layout.topMargin: 18
-                sourceComponent: [overviewView, historyView, championsView, rankView, sectionPlaceholder,
-                                  sectionPlaceholder, sectionPlaceholder][root.selection]
+                sourceComponent: {
+                    switch (root.selection) {
+                    case NavSection.Overview: return overviewView
+                    case NavSection.History: return historyView
+                    case NavSection.Champions: return championsView
+                    case NavSection.Rank: return rankView
+                    default: return sectionPlaceholder
+                    }
+                }
             }
         }
     }
@@ -124,10 +131,6 @@ Item {
                 anchors.topMargin: 10
                 width: Math.min(parent.width, 560)
                 spacing: 24
-                AddAccountCard {
-                    width: parent.width
-                    visible: root.selection === NavSection.Overview && !sidebarModel.hasAccounts
-                }
                 Item { width: 1; height: 60 }
                 EmptyState {
                     anchors.horizontalCenter: parent.horizontalCenter

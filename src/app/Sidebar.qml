@@ -173,7 +173,7 @@ Item {
                     }
                     Text {
                         anchors.verticalCenter: parent.verticalCenter
-                        text: AppState.isSyncing ? "Syncing…" : "Sync now"
+                        text: root.model.syncLabel
                         color: Theme.goldBright
                         font.family: Theme.fontFamily
                         font.pixelSize: 11

@@ -7,6 +7,19 @@
 
 #include <algorithm>
 
+SidebarModel::SidebarModel(QObject* parent) : ScreenModel(parent) {
+    // A new state replaces the old one's connections (ScreenModel drops them all).
+    connect(this, &ScreenModel::appStateChanged, this, [this] {
+        if (appState())
+            connect(appState(), &AppState::isSyncingChanged, this, &SidebarModel::syncingChanged);
+        Q_EMIT syncingChanged();
+    });
+}
+
+QString SidebarModel::syncLabel() const {
+    return appState() && appState()->isSyncing() ? QStringLiteral("Syncing…") : QStringLiteral("Sync now");
+}
+
 QString SidebarModel::accountNameOf(const QList<RiotAccountDTO>& accounts) {
     const QString riotId = accounts.isEmpty() ? QString() : accounts.first().riotId();
     return riotId.isEmpty() ? QStringLiteral("Summoner") : riotId;

@@ -28,9 +28,10 @@ class SidebarModel : public ScreenModel {
     Q_PROPERTY(int avatarIconId READ avatarIconId NOTIFY changed)
     Q_PROPERTY(QString avatarChampion READ avatarChampion NOTIFY changed)
     Q_PROPERTY(bool hasAccounts READ hasAccounts NOTIFY changed)
+    Q_PROPERTY(QString syncLabel READ syncLabel NOTIFY syncingChanged)
 
 public:
-    explicit SidebarModel(QObject* parent = nullptr) : ScreenModel(parent) {}
+    explicit SidebarModel(QObject* parent = nullptr);
 
     [[nodiscard]] const QString& accountName() const { return m_accountName; }
     [[nodiscard]] const QString& toolbarAccount() const { return m_toolbarAccount; }
@@ -42,6 +43,7 @@ public:
     [[nodiscard]] int avatarIconId() const { return m_avatarIconId; }
     [[nodiscard]] const QString& avatarChampion() const { return m_avatarChampion; }
     [[nodiscard]] bool hasAccounts() const { return m_hasAccounts; }
+    [[nodiscard]] QString syncLabel() const;
 
     // The pieces, each a pure function of what it reads.
     [[nodiscard]] static QString accountNameOf(const QList<RiotAccountDTO>& accounts);
@@ -53,6 +55,7 @@ public:
 
 Q_SIGNALS:
     void changed();
+    void syncingChanged();
 
 protected:
     void recompute() override;

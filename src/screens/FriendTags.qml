@@ -6,11 +6,10 @@ import QuillFern.Theme
 // the whole list shows on hover.
 Rectangle {
     id: root
-    property var names: []
+    property string text
     property real maximumWidth: Infinity
     property bool hovered: false
 
-    readonly property string joined: names.join(", ")
     readonly property real padding: 14
     readonly property bool elided: label.truncated
 
@@ -31,7 +30,7 @@ Rectangle {
             id: label
             anchors.verticalCenter: parent.verticalCenter
             width: Math.max(0, Math.min(implicitWidth, root.maximumWidth - root.padding - icon.width - content.spacing))
-            text: root.joined
+            text: root.text
             elide: Text.ElideRight
             color: Theme.teal
             font.family: Theme.fontFamily
@@ -41,6 +40,6 @@ Rectangle {
     }
 
     ToolTip.visible: root.hovered && root.elided
-    ToolTip.text: root.joined
+    ToolTip.text: root.text
     ToolTip.delay: 400
 }

@@ -124,7 +124,7 @@ Item {
             FriendTags {
                 id: tags
                 visible: root.row.friendNames.length > 0
-                names: root.row.friendNames
+                text: root.row.friendText
                 x: gear.stacked ? 0 : items.width + 12
                 y: gear.stacked ? items.y + items.height + 6 : (gear.height - height) / 2
                 maximumWidth: gear.stacked ? gear.width : gear.width - items.width - 12

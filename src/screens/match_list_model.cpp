@@ -54,6 +54,7 @@ QVariant MatchListModel::data(const QModelIndex& index, int role) const {
         return items;
     }
     case FriendNamesRole: return friendNames(game);
+    case FriendTextRole: return friendNames(game).join(QStringLiteral(", "));
     case MatchServerIdRole: return match.serverId;
     default: return {};
     }
@@ -67,6 +68,6 @@ QHash<int, QByteArray> MatchListModel::roleNames() const {
             {DeathsRole, "deaths"},             {AssistsRole, "assists"},
             {KdaTextRole, "kdaText"},           {KdaColorRole, "kdaColor"},
             {CsTextRole, "csText"},             {DamageTextRole, "damageText"},
-            {ItemsRole, "items"},               {FriendNamesRole, "friendNames"},
+            {ItemsRole, "items"},               {FriendNamesRole, "friendNames"}, {FriendTextRole, "friendText"},
             {MatchServerIdRole, "matchServerId"}};
 }

@@ -29,6 +29,7 @@ public:
         DamageTextRole,
         ItemsRole,
         FriendNamesRole,
+        FriendTextRole,
         MatchServerIdRole,
     };
 

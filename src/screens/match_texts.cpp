@@ -10,10 +10,6 @@ QString result(bool win) {
     return win ? QStringLiteral("Victory") : QStringLiteral("Defeat");
 }
 
-QColor resultColor(bool win) {
-    return win ? Theme::win() : Theme::loss();
-}
-
 QString kdaRatio(const LocalParticipant& row) {
     return QString::asprintf("%.2f KDA", Stats::kdaRatio(row));
 }

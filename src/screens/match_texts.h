@@ -12,7 +12,6 @@
 namespace MatchTexts {
 
 [[nodiscard]] QString result(bool win);                         // "Victory" / "Defeat"
-[[nodiscard]] QColor resultColor(bool win);
 [[nodiscard]] QString kdaRatio(const LocalParticipant& row);    // "%.2f KDA"
 [[nodiscard]] QString kdaShort(const LocalParticipant& row);    // "%.1f"
 [[nodiscard]] QString creepScore(const LocalParticipant& row);  // "CS 187 (6.4)"

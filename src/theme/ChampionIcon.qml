@@ -45,7 +45,7 @@ Item {
         Text {
             anchors.centerIn: parent
             visible: root.name.length > 0
-            text: root.name.substring(0, 2).toUpperCase()
+            text: Theme.initialsOf(root.name)
             color: "white"
             font.family: Theme.fontFamily
             font.pixelSize: root.size * 0.36

@@ -13,6 +13,5 @@ Text {
     font.pixelSize: size
     font.weight: Font.Bold
     color: Theme.text
-    text: kills + " <font color='" + Theme.textFaint + "'>/</font> <font color='" + Theme.loss + "'>" + deaths
-          + "</font> <font color='" + Theme.textFaint + "'>/</font> " + assists
+    text: Theme.kdaLineText(kills, deaths, assists)
 }

@@ -7,7 +7,7 @@ Rectangle {
     property int wins: 0
     property int losses: 0
     property real barHeight: 6
-    readonly property int total: wins + losses
+    readonly property real share: Theme.winShareOf(wins, losses)
 
     implicitHeight: barHeight
     implicitWidth: 80
@@ -17,14 +17,14 @@ Rectangle {
 
     Row {
         anchors.fill: parent
-        visible: root.total > 0
+        visible: root.wins + root.losses > 0
         Rectangle {
-            width: root.total > 0 ? root.width * root.wins / root.total : 0
+            width: root.width * root.share
             height: parent.height
             color: Theme.win
         }
         Rectangle {
-            width: root.total > 0 ? root.width * root.losses / root.total : 0
+            width: root.width - root.width * root.share
             height: parent.height
             color: Theme.loss
         }

@@ -12,7 +12,7 @@ Item {
     property string sub: ""
 
     readonly property real fraction: Math.min(Math.max(pct / 100, 0.001), 1)
-    readonly property color arcColor: ringColor.a > 0 ? ringColor : (pct >= 50 ? Theme.win : Theme.loss)
+    readonly property color arcColor: ringColor.a > 0 ? ringColor : Theme.ringColor(pct)
 
     implicitWidth: size
     implicitHeight: size
@@ -46,7 +46,7 @@ Item {
         anchors.centerIn: parent
         Text {
             anchors.horizontalCenter: parent.horizontalCenter
-            text: Math.round(root.pct) + "%"
+            text: Theme.ringText(root.pct)
             color: Theme.text
             font.family: Theme.fontFamily
             font.pixelSize: root.size * 0.27

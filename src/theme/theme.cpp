@@ -1,5 +1,6 @@
 #include "theme/theme.h"
 
+#include <QTextBoundaryFinder>
 #include <cmath>
 
 namespace {
@@ -64,4 +65,32 @@ QVariantList Theme::champGradient(qint64 seed) const {
 
 QVariantList Theme::nameGradient(const QString& name) const {
     return toList(champPair(stableHash(name)));
+}
+
+QString Theme::percentText(double pct) {
+    return QString::asprintf("%lld%%", static_cast<long long>(std::llround(pct)));
+}
+
+QString Theme::kdaLine(qint64 kills, qint64 deaths, qint64 assists) {
+    const QString slash = QStringLiteral(" <font color='%1'>/</font> ").arg(textFaint().name(QColor::HexArgb));
+    return QString::number(kills) + slash + QStringLiteral("<font color='%1'>").arg(loss().name()) +
+           QString::number(deaths) + QStringLiteral("</font>") + slash + QString::number(assists);
+}
+
+double Theme::winShare(qint64 wins, qint64 losses) {
+    const qint64 total = wins + losses;
+    return total > 0 ? static_cast<double>(wins) / static_cast<double>(total) : 0.0;
+}
+
+QString Theme::initials(const QString& name) {
+    // By characters as the player sees them, so that a letter with its accent stays whole.
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, name);
+    qsizetype end = 0;
+    for (int taken = 0; taken < 2; ++taken) {
+        const qsizetype next = finder.toNextBoundary();
+        if (next < 0)
+            break;
+        end = next;
+    }
+    return name.left(end).toUpper();
 }

@@ -6,7 +6,8 @@
 #include <QtQml/qqmlregistration.h>
 #include <array>
 
-// The one palette every screen draws with, and the three colour rules derived from it.
+// The one palette every screen draws with, the colour rules derived from it, and the few texts
+// and shares the shared components show of the numbers they are given.
 class Theme : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -66,4 +67,23 @@ public:
     Q_INVOKABLE QVariantList champGradient(qint64 seed) const;
     Q_INVOKABLE QVariantList nameGradient(const QString& name) const;
     Q_INVOKABLE QColor kdaColor(double kda) const { return Theme::kda(kda); }
+
+    // A win ring's centre: the percentage rounded half away from zero, then "%".
+    [[nodiscard]] static QString percentText(double pct);
+    // A win ring without a colour of its own: blue from 50 up, red below.
+    [[nodiscard]] static QColor ringColorFor(double pct) { return pct >= 50 ? win() : loss(); }
+    // Kills / deaths / assists as styled text: faint slashes, deaths in red.
+    [[nodiscard]] static QString kdaLine(qint64 kills, qint64 deaths, qint64 assists);
+    // The share of a win/loss bar that is blue; 0 without games.
+    [[nodiscard]] static double winShare(qint64 wins, qint64 losses);
+    // The first two characters of a name in upper case, for a portrait that has not loaded.
+    [[nodiscard]] static QString initials(const QString& name);
+
+    Q_INVOKABLE QString ringText(double pct) const { return percentText(pct); }
+    Q_INVOKABLE QColor ringColor(double pct) const { return ringColorFor(pct); }
+    Q_INVOKABLE QString kdaLineText(qint64 kills, qint64 deaths, qint64 assists) const {
+        return kdaLine(kills, deaths, assists);
+    }
+    Q_INVOKABLE double winShareOf(qint64 wins, qint64 losses) const { return winShare(wins, losses); }
+    Q_INVOKABLE QString initialsOf(const QString& name) const { return initials(name); }
 };

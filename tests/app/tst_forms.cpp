@@ -232,8 +232,13 @@ private Q_SLOTS:
         QCOMPARE(model.rankLine(), QStringLiteral("Unranked"));
         QCOMPARE(model.archivedText(), QStringLiteral("0 games archived"));
 
-        // Signing in links the account and the sync raises the count as pages are saved.
+        // Signing in links the account and the sync raises the count as pages are saved; the
+        // sync button says what it is doing meanwhile.
+        QCOMPARE(model.syncLabel(), QStringLiteral("Sync now"));
+        QStringList labels;
+        connect(&model, &SidebarModel::syncingChanged, this, [&] { labels << model.syncLabel(); });
         runTask(m_state->login("a@b.c", "password1"));
+        QCOMPARE(labels, (QStringList{"Syncing…", "Sync now"}));
         QCOMPARE(model.archivedText(), QStringLiteral("2 games archived"));
         QCOMPARE(model.accountName(), QStringLiteral("Ada#EUW"));
         QCOMPARE(model.toolbarAccount(), QStringLiteral("Ada#EUW"));

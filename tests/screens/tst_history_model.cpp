@@ -176,6 +176,7 @@ private Q_SLOTS:
         HistoryModel model;
         model.setAppState(f.state.get());
         QCOMPARE(role(model.rows(), 0, "friendNames").toStringList(), (QStringList{"ANN", "Bob", "cid"}));
+        QCOMPARE(role(model.rows(), 0, "friendText").toString(), QStringLiteral("ANN, Bob, cid"));
     }
 };
 

@@ -63,12 +63,71 @@ private Q_SLOTS:
         QCOMPARE(Theme::champPair(seed)[0], light);
     }
 
+    // The same champion keeps its colours from one version of the app to the next.
     void nameHashIsStableAndSpreads() {
-        QCOMPARE(Theme::stableHash("Ahri"), Theme::stableHash(QString::fromLatin1("Ahri")));
+        QCOMPARE(Theme::stableHash("Ahri"), Q_INT64_C(8501284092995446809));
+        QCOMPARE(Theme::stableHash("Lee Sin"), Q_INT64_C(2879614955295616958));
         QSet<int> buckets;
         for (const char* name : {"Ahri", "Lux", "Jinx", "Thresh", "Yasuo", "Lee Sin", "Miss Fortune", "Ezreal"})
             buckets.insert(int(Theme::stableHash(QString::fromLatin1(name)) % 6));
         QVERIFY2(buckets.size() >= 3, "fallback colours should differ between champions");
+    }
+
+    void winRings_data() {
+        QTest::addColumn<double>("pct");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("blue");
+        QTest::newRow("two thirds") << 200.0 / 3 << "67%" << true;
+        QTest::newRow("half is blue") << 50.0 << "50%" << true;
+        QTest::newRow("just under half: red, shown as 50") << 49.6 << "50%" << false;
+        QTest::newRow("halves round up") << 72.5 << "73%" << true;
+        QTest::newRow("nothing") << 0.0 << "0%" << false;
+    }
+    void winRings() {
+        QFETCH(double, pct);
+        QFETCH(QString, text);
+        QFETCH(bool, blue);
+        QCOMPARE(Theme::percentText(pct), text);
+        QCOMPARE(Theme::ringColorFor(pct), blue ? Theme::win() : Theme::loss());
+    }
+
+    void winShares_data() {
+        QTest::addColumn<qint64>("wins");
+        QTest::addColumn<qint64>("losses");
+        QTest::addColumn<double>("share");
+        QTest::newRow("no games") << qint64(0) << qint64(0) << 0.0;
+        QTest::newRow("no wins: all red") << qint64(0) << qint64(3) << 0.0;
+        QTest::newRow("no losses: all blue") << qint64(3) << qint64(0) << 1.0;
+        QTest::newRow("one in four") << qint64(1) << qint64(3) << 0.25;
+    }
+    void winShares() {
+        QFETCH(qint64, wins);
+        QFETCH(qint64, losses);
+        QFETCH(double, share);
+        QCOMPARE(Theme::winShare(wins, losses), share);
+    }
+
+    void initials_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("initials");
+        QTest::newRow("two words") << "Lee Sin" << "LE";
+        QTest::newRow("apostrophe") << "Kai'Sa" << "KA";
+        QTest::newRow("one letter") << "A" << "A";
+        QTest::newRow("empty") << "" << "";
+        QTest::newRow("accent kept with its letter") << QString::fromUtf8("e\u0301clair") << QString::fromUtf8("E\u0301C");
+        QTest::newRow("beyond the BMP") << QString::fromUtf8("🐉dragon") << QString::fromUtf8("🐉D");
+    }
+    void initials() {
+        QFETCH(QString, name);
+        QFETCH(QString, initials);
+        QCOMPARE(Theme::initials(name), initials);
+    }
+
+    void kdaLineShowsDeathsInRed() {
+        const QString line = Theme::kdaLine(3, 1, 7);
+        QVERIFY2(line.startsWith("3 ") && line.endsWith(" 7"), qPrintable(line));
+        QVERIFY2(line.contains(QStringLiteral("<font color='%1'>1</font>").arg(Theme::loss().name())), qPrintable(line));
+        QCOMPARE(line.count(QStringLiteral(">/</font>")), 2);
     }
 
     void everySymbolHasAGlyphInTheBundledFont() {
