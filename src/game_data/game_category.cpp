@@ -14,13 +14,25 @@ GameCategory of(qint64 queueId, const std::optional<QString>& gameMode) {
     }
     if (!gameMode)
         return GameCategory::Other;
-    // Every game without a known queue passes here: an ASCII mode is compared without building
-    // its upper case, which for ASCII is the same as comparing regardless of case.
+    // Every game without a known queue passes here. An ASCII mode is compared letter by letter
+    // against the upper-case keyword, which is what upper-casing it would give; any other mode
+    // is upper-cased first (a dotless i, say, upper-cases to I).
     const QString& raw = *gameMode;
     const bool ascii = std::all_of(raw.begin(), raw.end(), [](QChar c) { return c.unicode() < 0x80; });
     const QString upper = ascii ? QString() : raw.toUpper();
     const auto is = [&](QLatin1String keyword) {
-        return ascii ? raw.size() == keyword.size() && raw.compare(keyword, Qt::CaseInsensitive) == 0 : upper == keyword;
+        if (!ascii)
+            return upper == keyword;
+        if (raw.size() != keyword.size())
+            return false;
+        for (qsizetype i = 0; i < raw.size(); ++i) {
+            char16_t c = raw[i].unicode();
+            if (c >= u'a' && c <= u'z')
+                c = char16_t(c - (u'a' - u'A'));
+            if (c != char16_t(keyword[i].unicode()))
+                return false;
+        }
+        return true;
     };
     if (is(QLatin1String("ARAM"))) return GameCategory::Aram;
     if (is(QLatin1String("URF")) || is(QLatin1String("KIWI"))) return GameCategory::Mayhem;

@@ -157,7 +157,7 @@ double kdaRatio(const LocalParticipant& row) {
 
 std::vector<Game> games(const std::vector<const LocalMatch*>& matches,
                         const std::vector<const LocalParticipant*>& participants, const QSet<QString>& owners,
-                        const QSet<QString>& friendNames) {
+                        const QSet<QString>& friendNames, std::vector<const LocalParticipant*>* ownRowsOut) {
     // Number the games in the order asked for.
     IdSlots slots(matches.size());
     std::vector<quint32> slotOfMatch(matches.size());
@@ -210,11 +210,23 @@ std::vector<Game> games(const std::vector<const LocalMatch*>& matches,
         for (std::size_t k = i; k < end; ++k)
             prefetchRow(participants, k + prefetchAhead);
         const quint32 slot = slots.find(game);
+        if (ownRowsOut) {
+            // Every row of the run is asked whose it is, listed game or not.
+            for (std::size_t k = i; k < end; ++k) {
+                if (!own.contains(participants[k]->puuid))
+                    continue;
+                ownRowsOut->push_back(participants[k]);
+                if (slot != IdSlots::none && meOf[slot] == noRow) {
+                    meOf[slot] = static_cast<quint32>(k);
+                    meTeam[slot] = participants[k]->teamId;
+                }
+            }
+        }
         if (slot != IdSlots::none) {
             const Run run{static_cast<quint32>(i), static_cast<quint32>(end - i), slot};
             runs.push_back(run);
             rowCount[slot] += run.count;
-            for (std::size_t k = i; meOf[slot] == noRow && k < end; ++k) {
+            for (std::size_t k = i; !ownRowsOut && meOf[slot] == noRow && k < end; ++k) {
                 if (own.contains(participants[k]->puuid)) {
                     meOf[slot] = static_cast<quint32>(k);
                     meTeam[slot] = participants[k]->teamId;

@@ -46,10 +46,12 @@ struct TimelineEntry {
 [[nodiscard]] double kdaRatio(const LocalParticipant& row);
 
 // The user's games in the order of matches; matches without a row of the user are left out.
-// friendNames are lower-case game names.
+// friendNames are lower-case game names. When ownRowsOut is given it receives what ownRows()
+// would return, found in the same pass over the rows.
 [[nodiscard]] std::vector<Game> games(const std::vector<const LocalMatch*>& matches,
                                       const std::vector<const LocalParticipant*>& participants,
-                                      const QSet<QString>& owners, const QSet<QString>& friendNames);
+                                      const QSet<QString>& owners, const QSet<QString>& friendNames,
+                                      std::vector<const LocalParticipant*>* ownRowsOut = nullptr);
 // The rows of participants whose puuid is in owners, in input order.
 [[nodiscard]] std::vector<const LocalParticipant*> ownRows(const std::vector<const LocalParticipant*>& participants,
                                                            const QSet<QString>& owners);

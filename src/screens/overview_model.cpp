@@ -58,26 +58,44 @@ QString OverviewModel::streakPill(const Streak& streak) {
 }
 
 std::optional<QString> OverviewModel::topRoleOf(const std::vector<Stats::TimelineEntry>& timeline) {
-    // A handful of positions: a short list beats hashing one text per game.
-    std::vector<std::pair<QString, int>> counts;
-    QString best;
+    // A handful of positions: a short list beats hashing one text per game, and comparing a few
+    // letters in place beats a call per comparison. Texts read from the archive share their
+    // data, so the same text is mostly recognised by its address.
+    struct Count {
+        const QString* text;
+        int count;
+    };
+    std::vector<Count> counts;
+    const auto same = [](const QString& a, const QString& b) {
+        return a.size() == b.size() && (a.constData() == b.constData() || std::equal(a.begin(), a.end(), b.begin()));
+    };
+    std::size_t best = 0;
     int bestCount = 0;
-    for (const Stats::TimelineEntry& entry : timeline) {
-        if (!entry.me->teamPosition)
+    // The first look at the user's rows beyond their first cache line: ask for the next ones
+    // early, so that their fetches overlap.
+    constexpr std::size_t ahead = 8;
+    for (std::size_t i = 0; i < timeline.size(); ++i) {
+        if (i + ahead < timeline.size()) {
+            const char* next = reinterpret_cast<const char*>(timeline[i + ahead].me);
+            __builtin_prefetch(next + 64);
+            __builtin_prefetch(next + 128);
+        }
+        const std::optional<QString>& position = timeline[i].me->teamPosition;
+        if (!position)
             continue;
-        const QString& position = *entry.me->teamPosition;
-        auto counted = std::find_if(counts.begin(), counts.end(), [&](const auto& c) { return c.first == position; });
-        if (counted == counts.end())
-            counted = counts.insert(counts.end(), {position, 0});
-        const int count = ++counted->second;
-        if (count > bestCount) {
-            bestCount = count;
-            best = position;
+        std::size_t k = 0;
+        while (k < counts.size() && !same(*counts[k].text, *position))
+            ++k;
+        if (k == counts.size())
+            counts.push_back({&*position, 0});
+        if (++counts[k].count > bestCount) {
+            bestCount = counts[k].count;
+            best = k;
         }
     }
     if (bestCount == 0)
         return std::nullopt;
-    return LeaguePosition::shortLabel(best) + QStringLiteral(" Main");
+    return LeaguePosition::shortLabel(*counts[best].text) + QStringLiteral(" Main");
 }
 
 double OverviewModel::ringPercent(qint64 wins, qint64 losses) {
@@ -90,14 +108,15 @@ void OverviewModel::recompute() {
     std::vector<Stats::Game> games;
     const QSet<QString> owners = this->owners();
     if (store() && !owners.isEmpty()) {
+        std::vector<const LocalParticipant*> ownRows;
         games = Stats::games(ArchiveInputs::matchesNewestFirst(*store()), store()->participants().all(), owners,
-                             appState() ? appState()->friendGameNames() : QSet<QString>());
+                             appState() ? appState()->friendGameNames() : QSet<QString>(), &ownRows);
         // A game's own row is the first row of the user in it, as in the timeline: the timeline is
         // the games' (match, own row) pairs, so a second pass over every row would find the same.
         timeline.reserve(games.size());
         for (const Stats::Game& game : games)
             timeline.push_back({game.match, game.me});
-        champs = Stats::champions(ArchiveInputs::ownRows(*store(), owners));
+        champs = Stats::champions(ownRows);
     }
 
     m_isEmpty = timeline.empty();

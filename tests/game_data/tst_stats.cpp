@@ -170,6 +170,16 @@ private Q_SLOTS:
         QCOMPARE(timeline.size(), std::size_t(2));
         QCOMPARE(timeline[0].me, games[0].me);
         QCOMPARE(timeline[1].me, games[1].me);
+
+        // Asking for the own rows on the way changes nothing else.
+        std::vector<const LocalParticipant*> own;
+        const auto again = Stats::games(a.matches, a.rows, owners, {"ann", "bob"}, &own);
+        QCOMPARE(own, Stats::ownRows(a.rows, owners));
+        QCOMPARE(again.size(), games.size());
+        for (std::size_t g = 0; g < games.size(); ++g) {
+            QCOMPARE(again[g].me, games[g].me);
+            QCOMPARE(puuidsOf(again[g].friends), puuidsOf(games[g].friends));
+        }
     }
 
     // Ids that agree in their first characters and their length are told apart by the rest, by
@@ -233,6 +243,9 @@ private Q_SLOTS:
         unlisted.assists = 2;
         QCOMPARE(Stats::games(a.matches, a.rows, {id("me")}, {}).size(), std::size_t(1));
         QCOMPARE(Stats::timeline(a.matches, a.rows, {id("me")}).size(), std::size_t(1));
+        std::vector<const LocalParticipant*> own;
+        (void)Stats::games(a.matches, a.rows, {id("me")}, {}, &own);
+        QCOMPARE(own, (std::vector<const LocalParticipant*>{&listed, &unlisted}));
         const auto champions = Stats::champions(a.rows);
         QCOMPARE(champions.size(), std::size_t(1));
         QCOMPARE(champions[0].games, 2);
