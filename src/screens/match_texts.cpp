@@ -34,10 +34,10 @@ QString minutes(qint64 gameDurationSeconds) {
     return QString::asprintf("%lldm", static_cast<long long>(gameDurationSeconds / 60));
 }
 
-QString timeText(const LocalMatch& match, const QDateTime& now) {
+QString timeText(const LocalMatch& match, const QDateTime& now, const char* locale) {
     QString text = minutes(match.gameDuration);
     if (match.gameCreation)
-        text += QStringLiteral(" · ") + RelativeTime::phrase(*match.gameCreation, now);
+        text += QStringLiteral(" · ") + RelativeTime::phrase(*match.gameCreation, now, locale);
     return text;
 }
 

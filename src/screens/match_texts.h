@@ -19,7 +19,8 @@ namespace MatchTexts {
 [[nodiscard]] QString thousands(qint64 value);                   // "12k"
 [[nodiscard]] QString minutes(qint64 gameDurationSeconds);       // "29m"
 // "32m · 2 hours ago", or just "32m" without a creation date.
-[[nodiscard]] QString timeText(const LocalMatch& match, const QDateTime& now);
+// "29m · 2 hours ago"; the phrase in the given ICU locale, the system's when empty.
+[[nodiscard]] QString timeText(const LocalMatch& match, const QDateTime& now, const char* locale = "");
 [[nodiscard]] QString categoryChip(GameCategory category);       // "RANKED", …
 [[nodiscard]] QColor categoryColor(GameCategory category);
 
