@@ -17,7 +17,8 @@ void AccountLinkForm::setRiotId(const QString& riotId) {
 }
 
 QString AccountLinkForm::trimmed(const QString& text) {
-    const auto isBlank = [](QChar c) { return c == QLatin1Char(' ') || c == QLatin1Char('\t'); };
+    // Spaces of every kind (a pasted no-break space too) and tabs; line breaks stay.
+    const auto isBlank = [](QChar c) { return c == QLatin1Char('\t') || c.category() == QChar::Separator_Space; };
     qsizetype first = 0;
     qsizetype last = text.size();
     while (first < last && isBlank(text[first]))

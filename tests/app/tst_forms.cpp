@@ -145,6 +145,7 @@ private Q_SLOTS:
         QTest::newRow("spaces and tabs") << " \tAda#EUW \t " << "Ada#EUW";
         QTest::newRow("inner space kept") << "  Ada Lovelace#EUW" << "Ada Lovelace#EUW";
         QTest::newRow("line break kept") << "Ada#EUW\n" << "Ada#EUW\n";
+        QTest::newRow("pasted no-break and wide spaces") << QString::fromUtf8("\u00a0Ada#EUW\u3000") << "Ada#EUW";
         QTest::newRow("spaces only") << "   " << "";
     }
     void riotIdTrimming() {
