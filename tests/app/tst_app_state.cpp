@@ -179,15 +179,6 @@ private Q_SLOTS:
         QCOMPARE(m_store->matches().count(), 2);
     }
 
-    void emptyPullCountsZero() {
-        serveHappyBackend();
-        m_backend->on("GET", "/api/sync", FakeResponse::json(page({})));
-        m_state->bootstrap(m_store.get());
-        waitIdle();
-        run(m_state->sync());
-        QCOMPARE(m_state->lastSyncedMatches(), std::optional<int>(0));
-    }
-
     void accountRefreshFallsBackSilently_data() {
         QTest::addColumn<int>("listStatus");
         QTest::addColumn<QString>("message");
@@ -207,35 +198,6 @@ private Q_SLOTS:
         run(m_state->refreshAccountsFromRiot());
         QCOMPARE(m_state->riotAccounts().size(), listStatus == 200 ? 1 : 0);
         QCOMPARE(m_state->errorMessage().value_or(QString()), message);
-    }
-
-    void archiveAndSessionSurviveARestart() {
-        serveHappyBackend();
-        m_backend->on("GET", "/api/sync",
-                      FakeResponse::json(page({match(1), match(2)}, {participant(10, 1, "me"), participant(11, 2, "me")},
-                                              {}, {}, QStringLiteral("after-2"), false)));
-        m_state->bootstrap(m_store.get());
-        waitIdle();
-        run(m_state->login("ada@example.com", "password1"));
-        QCOMPARE(m_store->matches().count(), 2);
-
-        // Quit and start again on the same files.
-        m_state.reset();
-        const QString path = m_dir.filePath(QStringLiteral("archiveAndSessionSurviveARestart.sqlite"));
-        m_store.reset();
-        m_settings->reopen();
-        m_store = std::make_unique<ArchiveStore>(path);
-        QCOMPARE(m_store->matches().count(), 2);
-        QCOMPARE(m_store->participants().count(), 2);
-        makeState();
-        m_backend->on("GET", "/api/sync", FakeResponse::json(page({})));
-        m_backend->clearRequests();
-        m_state->bootstrap(m_store.get());
-        QCOMPARE(m_state->phase(), AppState::Phase::SignedIn);
-        waitIdle();
-        QCOMPARE(m_backend->requestsTo("/api/sync").first().rawQuery, QByteArray("cursor=after-2"));
-        QCOMPARE(m_store->matches().count(), 2);
-        QVERIFY(!m_state->user()); // not restored, by design
     }
 };
 

@@ -39,7 +39,6 @@ private Q_SLOTS:
         QTest::addColumn<std::vector<qint64>>("written");
         QTest::addColumn<std::vector<qint64>>("deleted"); // server ids of the deleted saved records
         QTest::addColumn<bool>("changes");
-        QTest::newRow("nothing") << QStringList{} << std::vector<qint64>{} << std::vector<qint64>{} << false;
         QTest::newRow("inserted then removed")
             << QStringList{"+3", "-3"} << std::vector<qint64>{} << std::vector<qint64>{} << false;
         QTest::newRow("changed twice, written once")
@@ -50,8 +49,6 @@ private Q_SLOTS:
                                       << std::vector<qint64>{} << true;
         QTest::newRow("removed after a save that removed")
             << QStringList{"-1", "+3", "save", "-3", "~2"} << std::vector<qint64>{2} << std::vector<qint64>{3} << true;
-        QTest::newRow("inserted after a save")
-            << QStringList{"+3", "save", "~3"} << std::vector<qint64>{3} << std::vector<qint64>{} << true;
     }
     void pendingWrites() {
         QFETCH(QStringList, steps);

@@ -4,7 +4,6 @@
 #include "backend/json_keys.h"
 #include "backend/json_reader.h"
 
-#include <QJsonDocument>
 #include <QTimeZone>
 #include <QTest>
 
@@ -32,19 +31,15 @@ private Q_SLOTS:
     void keyConversion_data() {
         QTest::addColumn<QString>("wire");
         QTest::addColumn<QString>("field");
-        QTest::newRow("two pieces") << "riot_id" << "riotId";
         QTest::newRow("three pieces") << "riot_id_game_name" << "riotIdGameName";
-        QTest::newRow("acronym piece") << "ddragon_base_url" << "ddragonBaseUrl";
         QTest::newRow("upper-case piece") << "match_ID" << "matchId";
         QTest::newRow("all upper case") << "NEXT_CURSOR" << "nextCursor";
-        QTest::newRow("camel case kept") << "matchId" << "matchId";
         QTest::newRow("no underscore kept") << "Puuid" << "Puuid";
         QTest::newRow("leading underscore kept") << "_private_key" << "_privateKey";
         QTest::newRow("trailing underscores kept") << "has_more__" << "hasMore__";
         QTest::newRow("doubled inner underscore") << "kill__participation" << "killParticipation";
         QTest::newRow("only underscores") << "___" << "___";
         QTest::newRow("underscores around one word") << "_id_" << "_id_";
-        QTest::newRow("empty") << "" << "";
     }
     void keyConversion() {
         QFETCH(QString, wire);
@@ -57,16 +52,10 @@ private Q_SLOTS:
         QTest::addColumn<qint64>("expectedMs"); // -1: no date
         const qint64 base = QDateTime(QDate(2025, 3, 1), QTime(18, 4, 5), QTimeZone::utc()).toMSecsSinceEpoch();
         QTest::newRow("six fraction digits, offset") << "2025-03-01T18:04:05.123456+02:00" << base + 123 - 2 * 3600000;
-        QTest::newRow("six fraction digits, Z") << "2025-03-01T18:04:05.123456Z" << base + 123;
         QTest::newRow("whole seconds, Z") << "2025-03-01T18:04:05Z" << base;
-        QTest::newRow("whole seconds, offset") << "2025-03-01T18:04:05+01:00" << base - 3600000;
         QTest::newRow("offset without colon") << "2025-03-01T18:04:05+0100" << base - 3600000;
-        QTest::newRow("date only") << "2025-03-01" << qint64(-1);
         QTest::newRow("no zone") << "2025-03-01T18:04:05" << qint64(-1);
         QTest::newRow("trailing text") << "2025-03-01T18:04:05Zjunk" << qint64(-1);
-        QTest::newRow("month 13") << "2025-13-01T18:04:05Z" << qint64(-1);
-        QTest::newRow("empty") << "" << qint64(-1);
-        QTest::newRow("words") << "yesterday" << qint64(-1);
         // The usual shapes are read without the general formatters and must agree with them.
         QTest::newRow("fraction truncated") << "2025-03-01T18:04:05.999999+00:00" << base + 999;
         QTest::newRow("negative half-hour offset") << "2025-03-01T18:04:05.000001-05:30" << base + 5 * 3600000 + 30 * 60000;
@@ -74,12 +63,8 @@ private Q_SLOTS:
         QTest::newRow("leap day") << "2024-02-29T12:00:00Z" << QDateTime(QDate(2024, 2, 29), QTime(12, 0), QTimeZone::utc()).toMSecsSinceEpoch();
         QTest::newRow("no leap day") << "2025-02-29T12:00:00Z" << qint64(-1);
         QTest::newRow("hour 24") << "2025-03-01T24:00:00Z" << qint64(-1);
-        QTest::newRow("minute 60") << "2025-03-01T18:60:00Z" << qint64(-1);
-        QTest::newRow("month 0") << "2025-00-10T18:04:05Z" << qint64(-1);
         QTest::newRow("offset minutes 60") << "2025-03-01T18:04:05+01:60" << qint64(-1);
         QTest::newRow("lower-case t") << "2025-03-01t18:04:05Z" << qint64(-1);
-        QTest::newRow("space for T") << "2025-03-01 18:04:05Z" << qint64(-1);
-        QTest::newRow("trailing space") << "2025-03-01T18:04:05Z " << qint64(-1);
     }
     void backendDate() {
         QFETCH(QString, text);
@@ -92,14 +77,11 @@ private Q_SLOTS:
             QCOMPARE(date->toMSecsSinceEpoch(), expectedMs);
         }
     }
-    void backendDateOfNothingIsNothing() { QVERIFY(!BackendDate::fromBackend(std::nullopt)); }
 
     void riotId_data() {
         QTest::addColumn<QByteArray>("json");
         QTest::addColumn<QString>("riotId");
         const QByteArray head = R"({"id":1,"puuid":"p","platform":"euw1","region":"europe")";
-        QTest::newRow("name and tag") << head + R"(,"game_name":"Ahri","tag_line":"EUW"})" << "Ahri#EUW";
-        QTest::newRow("tag missing") << head + R"(,"game_name":"Ahri"})" << "Ahri";
         QTest::newRow("name null") << head + R"(,"game_name":null,"tag_line":"EUW"})" << "EUW";
         QTest::newRow("both missing") << head + "}" << "";
     }
@@ -130,54 +112,15 @@ private Q_SLOTS:
         QCOMPARE(*decode<ParticipantDTO>(head + R"(,"items":[3089,0,3020]})").items, (QList<qint64>{3089, 0, 3020}));
     }
 
-    void snakeAndCamelKeysBothFill() {
-        QCOMPARE(decode<SyncResponse>(R"({"matches":[],"participants":[],"rank_snapshots":[],"performance_scores":[],"next_cursor":"c1","has_more":true})")
-                     .nextCursor,
-                 std::optional<QString>(QStringLiteral("c1")));
-        const auto camel = decode<SyncResponse>(
-            R"({"matches":[],"participants":[],"rankSnapshots":[],"performanceScores":[],"nextCursor":"c2","hasMore":false})");
-        QCOMPARE(camel.nextCursor, std::optional<QString>(QStringLiteral("c2")));
-        QVERIFY(!camel.hasMore);
-    }
-
-    void emptyFinalPage() {
-        const auto page = decode<SyncResponse>(
-            R"({"matches":[],"participants":[],"rank_snapshots":[],"performance_scores":[],"has_more":false})");
-        QVERIFY(page.matches.isEmpty() && page.participants.isEmpty() && !page.nextCursor && !page.hasMore);
-    }
-
-    void mapKeysAreConverted() {
+    void realMapsKeepValuesAndConvertKeys() {
         const auto score = decode<PerformanceScoreDTO>(
-            R"({"id":1,"riot_account_id":2,"match_id":3,"champion_id":4,"score":61.5,)"
-            R"("components":{"kill_participation":0.64,"visionScore":0.4},"baseline_kind":"self"})");
-        QCOMPARE(score.components.keys(), (QStringList{"killParticipation", "visionScore"}));
-        QCOMPARE(score.components.value("killParticipation"), 0.64);
-    }
-
-    void integers_data() {
-        QTest::addColumn<QByteArray>("value");
-        QTest::addColumn<bool>("accepted");
-        QTest::addColumn<qint64>("expected");
-        QTest::newRow("plain") << QByteArray("42") << true << qint64(42);
-        QTest::newRow("whole float") << QByteArray("42.0") << true << qint64(42);
-        QTest::newRow("beyond 2^53 keeps digits") << QByteArray("9007199254740993") << true << qint64(9007199254740993);
-        QTest::newRow("negative") << QByteArray("-5") << true << qint64(-5);
-        QTest::newRow("fraction") << QByteArray("42.5") << false << qint64(0);
-        QTest::newRow("huge") << QByteArray("1e300") << false << qint64(0);
-        QTest::newRow("text") << QByteArray("\"42\"") << false << qint64(0);
-        QTest::newRow("flag") << QByteArray("true") << false << qint64(0);
-    }
-    void integers() {
-        QFETCH(QByteArray, value);
-        QFETCH(bool, accepted);
-        QFETCH(qint64, expected);
-        const QByteArray json = R"({"id":)" + value + R"(,"email":"a@b.c"})";
-        if (accepted) {
-            QCOMPARE(decode<UserDTO>(json).id, expected);
-        } else {
-            const QString text = failureOf<UserDTO>(json);
-            QVERIFY2(text.contains("\"id\"") && text.contains("integer"), qPrintable(text));
-        }
+            R"({"id":1,"riot_account_id":2,"match_id":3,"champion_id":4,"score":0.1,)"
+            R"("components":{"kill_participation":-1.5e-3,"visionScore":7,"c":123456.789012345},"baseline_kind":"self"})");
+        QCOMPARE(score.score, 0.1);
+        QCOMPARE(score.components.keys(), (QStringList{"c", "killParticipation", "visionScore"}));
+        QCOMPARE(score.components.value("killParticipation"), -1.5e-3);
+        QCOMPARE(score.components.value("visionScore"), 7.0);
+        QCOMPARE(score.components.value("c"), 123456.789012345);
     }
 
     void failuresNameKeyAndPath_data() {
@@ -196,7 +139,6 @@ private Q_SLOTS:
         QTest::newRow("not JSON") << QByteArray("<html>oops</html>") << QStringList{"not valid JSON"};
         QTest::newRow("top-level list") << QByteArray("[1,2]") << QStringList{"top level", "a list"};
         QTest::newRow("empty body") << QByteArray("") << QStringList{"no body"};
-        QTest::newRow("truncated") << QByteArray("{\"token\":\"t\",\"us") << QStringList{"not valid JSON"};
     }
     void failuresNameKeyAndPath() {
         QFETCH(QByteArray, json);
@@ -206,14 +148,22 @@ private Q_SLOTS:
             QVERIFY2(text.contains(part), qPrintable(text + " lacks " + part));
     }
 
-    void listElementPath() {
-        const QString text = failureOf<RiotAccountsResponse>(
-            R"({"riot_accounts":[{"id":1,"puuid":"a","platform":"euw1","region":"europe"},{"id":2,"platform":"euw1","region":"europe"}]})");
-        QVERIFY2(text.contains("\"puuid\"") && text.contains("riotAccounts[1]"), qPrintable(text));
+    void failuresNameTheListElement_data() {
+        QTest::addColumn<QByteArray>("second"); // the second element of the list
+        QTest::addColumn<QStringList>("mustMention");
+        QTest::newRow("missing key") << QByteArray(R"({"id":2,"platform":"euw1","region":"europe"})")
+                                     << QStringList{"\"puuid\"", "riotAccounts[1]"};
+        QTest::newRow("wrong type") << QByteArray(R"({"id":2,"puuid":"b","platform":"euw1","region":7})")
+                                    << QStringList{"riotAccounts[1].region", "a number"};
+        QTest::newRow("not an object") << QByteArray("7") << QStringList{"riotAccounts[1]", "an object", "a number"};
     }
-
-    void emptyAccountListIsValid() {
-        QVERIFY(decode<RiotAccountsResponse>(R"({"riot_accounts":[]})").riotAccounts.isEmpty());
+    void failuresNameTheListElement() {
+        QFETCH(QByteArray, second);
+        QFETCH(QStringList, mustMention);
+        const QString text = failureOf<RiotAccountsResponse>(
+            R"({"riot_accounts":[{"id":1,"puuid":"a","platform":"euw1","region":"europe"},)" + second + "]}");
+        for (const QString& part : mustMention)
+            QVERIFY2(text.contains(part), qPrintable(text + " lacks " + part));
     }
 
     void deeplyNestedAnswerFailsCleanly() {

@@ -1,12 +1,8 @@
 #include "backend/account_records.h"
 #include "backend/archive_records.h"
-#include "backend/backend_date.h"
 #include "backend/json_reader.h"
-#include "backend/social_records.h"
 
-#include <QJsonArray>
 #include <QTest>
-#include <QTimeZone>
 
 namespace {
 
@@ -29,7 +25,6 @@ private Q_SLOTS:
     void strings_data() {
         QTest::addColumn<QByteArray>("wire"); // the JSON text of the value, quotes included
         QTest::addColumn<QString>("text");
-        QTest::newRow("plain") << QByteArray("\"ada@example.com\"") << QStringLiteral("ada@example.com");
         QTest::newRow("empty") << QByteArray("\"\"") << QString();
         QTest::newRow("quote and backslash") << QByteArray("\"a\\\"b\\\\c\"") << QStringLiteral("a\"b\\c");
         QTest::newRow("short escapes") << QByteArray("\"\\/\\b\\f\\n\\r\\t\"") << QStringLiteral("/\b\f\n\r\t");
@@ -57,9 +52,7 @@ private Q_SLOTS:
 
     void malformed_data() {
         QTest::addColumn<QByteArray>("json");
-        QTest::newRow("control character in text") << QByteArray("{\"id\":1,\"email\":\"a\tb\"}");
         QTest::newRow("overlong UTF-8") << QByteArray("{\"id\":1,\"email\":\"\xC0\x80\"}");
-        QTest::newRow("stray continuation byte") << QByteArray("{\"id\":1,\"email\":\"abc\x80\"}");
         QTest::newRow("cut UTF-8 sequence") << QByteArray("{\"id\":1,\"email\":\"\xE2\x82\"}");
         QTest::newRow("UTF-8 surrogate") << QByteArray("{\"id\":1,\"email\":\"\xED\xA0\x80\"}");
         QTest::newRow("beyond U+10FFFF") << QByteArray("{\"id\":1,\"email\":\"\xF4\x90\x80\x80\"}");
@@ -77,7 +70,6 @@ private Q_SLOTS:
         QTest::newRow("missing colon") << QByteArray("{\"id\" 1,\"email\":\"a\"}");
         QTest::newRow("key without quotes") << QByteArray("{id:1,\"email\":\"a\"}");
         QTest::newRow("text after the object") << QByteArray("{\"id\":1,\"email\":\"a\"} {}");
-        QTest::newRow("single quotes") << QByteArray("{'id':1,'email':'a'}");
         // Long texts are scanned eight bytes at a time: a bad byte at every place of a word.
         for (int at = 5; at <= 18; ++at) {
             QTest::addRow("stray continuation byte after %d bytes", at)
@@ -99,9 +91,7 @@ private Q_SLOTS:
         QTest::newRow("smallest 64-bit") << QByteArray("-9223372036854775808") << "-9223372036854775808";
         QTest::newRow("one past the largest") << QByteArray("9223372036854775808") << "rejected";
         QTest::newRow("twenty digits") << QByteArray("18446744073709551616") << "rejected";
-        QTest::newRow("minus zero") << QByteArray("-0") << "0";
         QTest::newRow("exponent of a whole number") << QByteArray("12e2") << "1200";
-        QTest::newRow("negative exponent, whole") << QByteArray("1500E-2") << "15";
         QTest::newRow("tiny") << QByteArray("1e-400") << "0";
         QTest::newRow("negative fraction") << QByteArray("-2.5") << "rejected";
     }
@@ -115,16 +105,6 @@ private Q_SLOTS:
             QCOMPARE(QString::number(decodeRecord<UserDTO>(json).id), outcome);
     }
 
-    void realsKeepTheirValue() {
-        const auto score = decodeRecord<PerformanceScoreDTO>(
-            "{\"id\":1,\"riot_account_id\":2,\"match_id\":3,\"champion_id\":4,\"score\":0.1,"
-            "\"components\":{\"a\":-1.5e-3,\"b\":7,\"c\":123456.789012345},\"baseline_kind\":\"self\"}");
-        QCOMPARE(score.score, 0.1);
-        QCOMPARE(score.components.value("a"), -1.5e-3);
-        QCOMPARE(score.components.value("b"), 7.0);
-        QCOMPARE(score.components.value("c"), 123456.789012345);
-    }
-
     void laterSpellingOfAKeyWins_data() {
         QTest::addColumn<QByteArray>("json");
         QTest::addColumn<QString>("cursor");
@@ -132,10 +112,6 @@ private Q_SLOTS:
             "\"matches\":[],\"participants\":[],\"rank_snapshots\":[],\"performance_scores\":[],\"has_more\":false";
         QTest::newRow("snake then camel")
             << QByteArray("{" + lists + ",\"next_cursor\":\"a\",\"nextCursor\":\"b\"}") << "b";
-        QTest::newRow("camel then snake")
-            << QByteArray("{" + lists + ",\"nextCursor\":\"a\",\"next_cursor\":\"b\"}") << "b";
-        QTest::newRow("same key twice") << QByteArray("{" + lists + ",\"next_cursor\":\"a\",\"next_cursor\":\"b\"}")
-                                        << "b";
         QTest::newRow("null later") << QByteArray("{" + lists + ",\"next_cursor\":\"a\",\"nextCursor\":null}") << "";
         QTest::newRow("escaped spelling")
             << QByteArray("{" + lists + ",\"next_cursor\":\"a\",\"next\\u005fcursor\":\"b\"}") << "b";
@@ -192,31 +168,6 @@ private Q_SLOTS:
         const UserDTO user = UserDTO::decode(JsonReader(object));
         QCOMPARE(user.id, qint64(9007199254740993));
         QVERIFY(!user.name);
-    }
-
-    void pathsNameTheFailingElement() {
-        const QByteArray json = "{\"duos\":[{\"puuid\":\"a\",\"games\":1,\"wins\":1,\"losses\":0,\"winrate\":1},"
-                                "{\"puuid\":\"b\",\"games\":2,\"wins\":\"two\",\"losses\":0,\"winrate\":0.5}]}";
-        QString text;
-        try {
-            (void)decodeRecord<DuosResponse>(json);
-        } catch (const DecodingFailure& failure) {
-            text = failure.text();
-        }
-        QVERIFY2(text.contains(QStringLiteral("duos[1].wins")) && text.contains(QStringLiteral("text")),
-                 qPrintable(text));
-    }
-
-    void listElementThatIsNotAnObject() {
-        QString text;
-        try {
-            (void)decodeRecord<DuosResponse>(
-                "{\"duos\":[{\"puuid\":\"a\",\"games\":1,\"wins\":1,\"losses\":0,\"winrate\":1},7]}");
-        } catch (const DecodingFailure& failure) {
-            text = failure.text();
-        }
-        QVERIFY2(text.contains(QStringLiteral("duos[1]")) && text.contains(QStringLiteral("a number")),
-                 qPrintable(text));
     }
 };
 

@@ -1,9 +1,7 @@
 #include "archive/archive_store.h"
-#include "backend/backend_date.h"
 #include "backend/json_reader.h"
 #include "bench/synthetic_archive.h"
 
-#include <QHash>
 #include <QSet>
 #include <QTemporaryDir>
 #include <QTest>
@@ -38,7 +36,6 @@ private Q_SLOTS:
         QTest::addColumn<int>("perPage");
         QTest::addColumn<int>("snapshots");
         QTest::newRow("empty") << 0 << 300 << -1;
-        QTest::newRow("one game") << 1 << 300 << -1;
         QTest::newRow("exact pages") << 600 << 300 << -1;
         QTest::newRow("last page short") << 701 << 300 << 150;
         QTest::newRow("page of one") << 9 << 1 << 5;
@@ -86,54 +83,6 @@ private Q_SLOTS:
         const SyncResponse later = decodeRecord<SyncResponse>(archive.pageBody(archive.pageForCursor(cursor)));
         QVERIFY(later.matches.isEmpty() && !later.hasMore);
         QCOMPARE(later.nextCursor, std::optional<QString>(cursor));
-    }
-
-    void gamesLookReal() {
-        const SyntheticArchive archive = make(3000);
-        const QSet<QString> owners = archive.ownerPuuids();
-        const QStringList friendList = archive.friendPuuids();
-        const QSet<QString> friends(friendList.begin(), friendList.end());
-        QHash<qint64, int> ownRows, rows;
-        QSet<qint64> queues;
-        int withFriend = 0;
-        for (const MatchDTO& m : archive.matches())
-            queues.insert(m.queueId);
-        qint64 previousCreation = 0;
-        for (const MatchDTO& m : archive.matches()) {
-            const qint64 created = BackendDate::fromBackend(m.gameCreation)->toMSecsSinceEpoch();
-            QVERIFY2(created > previousCreation, qPrintable(*m.gameCreation));
-            previousCreation = created;
-        }
-        QHash<qint64, QSet<qint64>> championsOf;
-        QHash<qint64, bool> friendSeen;
-        for (const ParticipantDTO& p : archive.participants()) {
-            ++rows[p.matchId];
-            if (owners.contains(p.puuid))
-                ++ownRows[p.matchId];
-            if (friends.contains(p.puuid))
-                friendSeen[p.matchId] = true;
-            QVERIFY2(!championsOf[p.matchId].contains(p.championId), "a champion twice in one game");
-            championsOf[p.matchId].insert(p.championId);
-            QVERIFY(p.items && p.items->size() == 7);
-            QVERIFY(p.kills >= 0 && p.deaths >= 0 && p.assists >= 0);
-        }
-        for (const MatchDTO& m : archive.matches()) {
-            QCOMPARE(rows.value(m.id), 10);
-            QCOMPARE(ownRows.value(m.id), 1);
-            withFriend += friendSeen.value(m.id) ? 1 : 0;
-        }
-        // Every category the app tells apart, and a circle of friends that turns up often.
-        for (qint64 queue : {420, 440, 400, 450, 490})
-            QVERIFY2(queues.contains(queue), qPrintable(QString::number(queue)));
-        QVERIFY(queues.contains(900) || queues.contains(2400));
-        QVERIFY(queues.contains(1700) || queues.contains(1710));
-        QVERIFY(withFriend > 3000 / 5);
-
-        for (const RankSnapshotDTO& r : archive.rankSnapshots()) {
-            QVERIFY(r.queue == "RANKED_SOLO_5x5" || r.queue == "RANKED_FLEX_SR");
-            if (r.tier && *r.tier != "MASTER")
-                QVERIFY(r.lp >= 0 && r.lp < 100);
-        }
     }
 
     void fillsAStore() {

@@ -109,19 +109,14 @@ private Q_SLOTS:
         QTest::addColumn<QString>("entry"); // a friend name as the app keeps it: lower case
         QTest::addColumn<QString>("shown"); // the team-mate's game name in the row
         QTest::addColumn<bool>("isFriend");
-        QTest::newRow("same") << "ann"
-                              << "ann" << true;
         QTest::newRow("upper case") << "ann"
                                     << "ANN" << true;
         QTest::newRow("with a space") << "kettle drum"
                                       << "Kettle Drum" << true;
         QTest::newRow("longer name") << "ann"
                                      << "Anne" << false;
-        QTest::newRow("shorter name") << "anne"
-                                      << "Ann" << false;
         QTest::newRow("accented upper case") << QString::fromUtf8("zélie") << QString::fromUtf8("ZÉLIE") << true;
         QTest::newRow("accent differs") << QString::fromUtf8("zélie") << "ZELIE" << false;
-        QTest::newRow("Greek") << QString::fromUtf8("σοφια") << QString::fromUtf8("ΣΟΦΙΑ") << true;
         QTest::newRow("dotted capital I grows when lowered")
             << QString::fromUtf8("i\xCC\x87pek") << QString::fromUtf8("\xC4\xB0pek") << true;
         QTest::newRow("beyond the BMP") << QString::fromUtf8("\xF0\x90\x90\xA8")
@@ -134,7 +129,6 @@ private Q_SLOTS:
         QFETCH(QString, entry);
         QFETCH(QString, shown);
         QFETCH(bool, isFriend);
-        QCOMPARE(shown.toLower() == entry, isFriend); // the rule itself, as a check on the table
         Archive a;
         a.match(1);
         a.row(1, id("me"));
@@ -250,21 +244,6 @@ private Q_SLOTS:
         QCOMPARE(champions.size(), std::size_t(1));
         QCOMPARE(champions[0].games, 2);
         QCOMPARE(champions[0].kda, (4.0 + 1.0) / 2);
-    }
-
-    void championsMostPlayedFirst() {
-        Archive a;
-        for (qint64 champion : {5, 7, 7, 9, 7, 9}) {
-            LocalParticipant& row = a.row(1, id("me"));
-            row.championId = champion;
-            row.championName = QStringLiteral("C%1").arg(champion);
-        }
-        const auto champions = Stats::champions(a.rows);
-        QCOMPARE(champions.size(), std::size_t(3));
-        QCOMPARE(champions[0].championId, 7);
-        QCOMPARE(champions[1].championId, 9);
-        QCOMPARE(champions[2].championId, 5);
-        QCOMPARE(champions[0].name, QStringLiteral("C7"));
     }
 };
 

@@ -45,7 +45,6 @@ private Q_SLOTS:
         QTest::newRow("W W L") << QList<bool>{true, true, false} << "▲ 2W streak | Mid Main | 3 games tracked" << "Win Streak 2";
         QTest::newRow("L W") << QList<bool>{false, true} << "Mid Main | 2 games tracked" << "Streak 1";
         QTest::newRow("L L L") << QList<bool>{false, false, false} << "▼ 3L streak | Mid Main | 3 games tracked" << "Streak 3";
-        QTest::newRow("one game") << QList<bool>{true} << "Mid Main | 1 games tracked" << "Win Streak 1";
     }
     void streaks() {
         QFETCH(QList<bool>, results);
