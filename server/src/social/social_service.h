@@ -1,0 +1,85 @@
+#pragma once
+
+#include "store/database.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+// The read-only questions the app's screens ask beyond the archive: frequent duo partners, the
+// record with one player, a player's public profile and a game's timeline summary. All are
+// computed from the asking user's own games.
+
+namespace qf {
+
+struct Duo {
+    std::string puuid;
+    std::optional<std::string> riotId;
+    int64_t games = 0;
+    int64_t wins = 0;
+    int64_t losses = 0;
+    double winrate = 0;
+    int64_t lastPlayed = 0; // ms
+    std::optional<std::string> rank; // "Gold II"
+    std::optional<int64_t> profileIconId;
+};
+
+struct FriendGame {
+    int64_t matchId = 0; // the server's id
+    std::optional<int64_t> season;
+    int64_t queueId = 0;
+    std::string gameMode;
+    int64_t playedAt = 0;
+    bool win = false;
+    std::string ownerChampion;
+    std::optional<std::string> ownerPosition;
+    std::string friendChampion;
+};
+
+struct FriendRecord {
+    std::string friendPuuid;
+    std::optional<std::string> friendName;
+    std::optional<std::string> friendTag;
+    std::optional<int64_t> friendIcon;
+    int64_t games = 0, wins = 0, losses = 0;
+    double winrate = 0;
+    std::vector<FriendGame> gamesTogether; // newest first
+};
+
+struct RankEntry {
+    std::string queueType;
+    std::optional<std::string> tier, rank;
+    std::optional<int64_t> leaguePoints, wins, losses;
+};
+
+struct PlayerProfile {
+    std::string puuid;
+    std::optional<std::string> gameName, tagLine;
+    std::string platform;
+    std::vector<RankEntry> ranks;
+};
+
+class SocialService {
+public:
+    static constexpr int64_t minimumDuoGames = 3;
+
+    explicit SocialService(Database& database) : m_database(database) {}
+
+    // Team-mates in at least three of the user's games, most games first.
+    std::vector<Duo> duos(int64_t userId);
+    // Every game the user played on the same team as puuid. HttpError 404 for a player never seen.
+    FriendRecord friendRecord(int64_t userId, std::string_view puuid);
+    // A player seen in stored games, by Riot ID. HttpError 400/404.
+    PlayerProfile profile(std::string_view riotId, const std::string* platform);
+    // The stored timeline summary of one of the user's games, from their side, as JSON text.
+    // HttpError 404 when the user has no such game or it has no timeline.
+    std::string timeline(int64_t userId, std::string_view riotMatchId);
+
+private:
+    Database& m_database;
+};
+
+// "Gold II", "Master"; nullopt without a tier. Pure.
+std::optional<std::string> rankLabel(const std::optional<std::string>& tier, const std::optional<std::string>& division);
+
+} // namespace qf
