@@ -1,0 +1,164 @@
+// One upload of client games: read, compared with what is stored, written, scored.
+
+#include "archive/ingest_service.h"
+
+#include "archive/lcu_game_reader.h"
+#include "archive/performance_score.h"
+#include "http/http_message.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <unordered_map>
+
+namespace qf {
+
+namespace {
+
+// A positionless game is compared only with positionless games, but the store hands out every
+// position when none is asked for: fetch more and let the score keep the ones that count.
+constexpr int positionedHistory = 20;
+constexpr int positionlessHistory = 200;
+
+bool sameReal(const std::optional<double>& a, const std::optional<double>& b) {
+    if (!a || !b)
+        return a.has_value() == b.has_value();
+    return std::fabs(*a - *b) <= 1e-9 * std::max({1.0, std::fabs(*a), std::fabs(*b)});
+}
+
+bool sameMatch(const Match& a, const Match& b) {
+    return a.matchId == b.matchId && a.platform == b.platform && a.queueId == b.queueId && a.isRanked == b.isRanked &&
+           a.gameCreation == b.gameCreation && a.gameDuration == b.gameDuration && a.gameVersion == b.gameVersion &&
+           a.gameMode == b.gameMode && a.season == b.season;
+}
+
+bool sameRow(const Participant& a, const Participant& b) {
+    return a.puuid == b.puuid && a.riotIdGameName == b.riotIdGameName && a.riotIdTagLine == b.riotIdTagLine &&
+           a.teamId == b.teamId && a.win == b.win && a.championId == b.championId &&
+           a.championName == b.championName && a.teamPosition == b.teamPosition && a.champLevel == b.champLevel &&
+           a.kills == b.kills && a.deaths == b.deaths && a.assists == b.assists && a.totalCs == b.totalCs &&
+           a.goldEarned == b.goldEarned && a.visionScore == b.visionScore &&
+           a.damageToChampions == b.damageToChampions && a.items == b.items &&
+           sameReal(a.teamDamagePct, b.teamDamagePct) && sameReal(a.killParticipation, b.killParticipation) &&
+           sameReal(a.csPerMin, b.csPerMin) && a.rankTier == b.rankTier && a.rankDivision == b.rankDivision &&
+           a.rankLp == b.rankLp && a.profileIconId == b.profileIconId;
+}
+
+bool sameGame(const GameWithRows& stored, const GameRecord& game) {
+    return sameMatch(stored.match, game.match) &&
+           std::equal(stored.participants.begin(), stored.participants.end(), game.participants.begin(),
+                      game.participants.end(), sameRow);
+}
+
+// The client knows nothing of ranks; what another source stored of them stays.
+void keepRanks(const GameWithRows& stored, GameRecord& game) {
+    for (Participant& row : game.participants) {
+        const auto before = std::find_if(stored.participants.begin(), stored.participants.end(),
+                                         [&](const Participant& p) { return p.puuid == row.puuid; });
+        if (before == stored.participants.end() || row.rankTier || row.rankDivision || row.rankLp)
+            continue;
+        row.rankTier = before->rankTier;
+        row.rankDivision = before->rankDivision;
+        row.rankLp = before->rankLp;
+    }
+}
+
+void scoreIfNone(Repository& repository, const OwnGame& game, const RiotAccount& account) {
+    if (repository.hasScore(account.id, game.match.id))
+        return;
+    const int limit = game.me.teamPosition ? positionedHistory : positionlessHistory;
+    const std::vector<OwnGame> history =
+        repository.earlierGames(account.puuid, game.me.teamPosition, game.match.gameCreation, limit);
+    PerformanceScore score = scoreGame(game, history, account.id);
+    repository.insertScore(score);
+}
+
+} // namespace
+
+IngestService::IngestService(Database& database, const ChampionCatalog& champions)
+    : m_database(database), m_fixed(&champions) {}
+
+IngestService::IngestService(Database& database, const ChampionDirectory& champions)
+    : m_database(database), m_directory(&champions) {}
+
+IngestOutcome IngestService::ingest(json::Element games, int64_t now) {
+    simdjson::dom::array elements;
+    if (games.get(elements) != simdjson::SUCCESS)
+        throw HttpError(400, "Expected a JSON object with a \"games\" list.");
+
+    const std::shared_ptr<const ChampionCatalog> snapshot = m_directory ? m_directory->current() : nullptr;
+    const ChampionCatalog& champions = snapshot ? *snapshot : *m_fixed;
+
+    IngestOutcome outcome;
+    // Read outside the transaction: it needs no database. A game sent twice counts once, in its
+    // fullest form.
+    std::vector<ClientGame> batch;
+    std::unordered_map<std::string, size_t> byMatchId;
+    for (const json::Element element : elements) {
+        std::optional<ClientGame> game = readClientGame(element, champions);
+        if (!game) {
+            ++outcome.skipped;
+            continue;
+        }
+        const auto [it, fresh] = byMatchId.emplace(game->game.match.matchId, batch.size());
+        if (fresh) {
+            batch.push_back(std::move(*game));
+            continue;
+        }
+        ++outcome.skipped;
+        if (game->game.participants.size() > batch[it->second].game.participants.size())
+            batch[it->second] = std::move(*game);
+    }
+
+    return m_database.write([&](Repository& repository) {
+        IngestOutcome result = outcome;
+        std::vector<ClientGame*> stored;
+        for (ClientGame& client : batch) {
+            GameRecord& game = client.game;
+            const std::optional<GameWithRows> before = repository.gameByMatchId(game.match.matchId);
+            if (before) {
+                keepRanks(*before, game);
+                const bool lessComplete = !client.complete && before->participants.size() > game.participants.size();
+                if (lessComplete || sameGame(*before, game)) {
+                    ++result.skipped;
+                    continue;
+                }
+                game.match.id = before->match.id;
+                game.match.updatedAt = now;
+                repository.updateMatch(game.match);
+            } else {
+                game.match.updatedAt = now;
+                repository.insertMatch(game.match);
+            }
+            repository.replaceParticipants(game.match.id, game.participants);
+            for (const Player& player : client.players)
+                repository.upsertPlayer(player);
+            ++result.ingested;
+            result.matchIds.push_back(game.match.matchId);
+            stored.push_back(&client);
+        }
+
+        // Oldest first, so a game of this batch is already there when a later one of it looks
+        // back for its player's earlier games.
+        std::stable_sort(stored.begin(), stored.end(), [](const ClientGame* a, const ClientGame* b) {
+            return a->game.match.gameCreation < b->game.match.gameCreation;
+        });
+        std::unordered_map<std::string, std::optional<RiotAccount>> accounts;
+        for (const ClientGame* client : stored)
+            for (const Participant& row : client->game.participants) {
+                auto it = accounts.find(row.puuid);
+                if (it == accounts.end())
+                    it = accounts.emplace(row.puuid, repository.accountByPuuid(row.puuid)).first;
+                if (it->second)
+                    scoreIfNone(repository, OwnGame{client->game.match, row}, *it->second);
+            }
+        return result;
+    });
+}
+
+void IngestService::scoreAccount(Repository& repository, const RiotAccount& account) {
+    for (const OwnGame& game : repository.gamesWithoutScore(account.id, account.puuid))
+        scoreIfNone(repository, game, account);
+}
+
+} // namespace qf

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "archive/champion_catalog.h"
+#include "archive/champion_directory.h"
+#include "json/json_input.h"
+#include "store/database.h"
+
+#include <string>
+#include <vector>
+
+// Stores games read from a League client, and keeps every linked account's performance scores
+// up to date with them.
+
+namespace qf {
+
+struct IngestOutcome {
+    int64_t ingested = 0; // games stored new or changed
+    int64_t skipped = 0; // games unreadable, or already stored unchanged
+    std::vector<std::string> matchIds; // Riot match ids of the games stored ("EUW1_7123456789")
+};
+
+class IngestService {
+public:
+    // Champion names from one fixed list (the demo, tests).
+    IngestService(Database& database, const ChampionCatalog& champions);
+    // Champion names from the directory's list of the moment, so a list fetched later is used
+    // from the next batch on.
+    IngestService(Database& database, const ChampionDirectory& champions);
+
+    // games: a JSON array of game objects. One write transaction: the whole batch or none.
+    // Throws HttpError 400 when games is not an array.
+    IngestOutcome ingest(json::Element games, int64_t now);
+
+    // Scores every game of the account that has none yet, oldest first (after a link).
+    static void scoreAccount(Repository& repository, const RiotAccount& account);
+
+private:
+    Database& m_database;
+    const ChampionCatalog* m_fixed = nullptr;
+    const ChampionDirectory* m_directory = nullptr;
+};
+
+} // namespace qf
