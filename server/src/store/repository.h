@@ -1,0 +1,106 @@
+#pragma once
+
+#include "store/records.h"
+#include "store/sql_connection.h"
+
+#include <span>
+#include <string_view>
+
+// Every question the server asks of its database, in SQL that both engines run. A Repository
+// lives for one transaction (see Database::read and Database::write) on one borrowed
+// connection; methods that change archive rows draw change numbers and so need a write
+// transaction.
+
+namespace qf {
+
+// One of a player's games, with their own row of it.
+struct OwnGame {
+    Match match;
+    Participant me;
+};
+
+class Repository {
+public:
+    explicit Repository(SqlConnection& connection) : m_db(connection) {}
+
+    // --- Users and sessions -------------------------------------------------------------
+    // Sets user.id. Throws UniqueViolation when the e-mail key is taken.
+    void insertUser(User& user);
+    [[nodiscard]] std::optional<User> userById(int64_t id);
+    [[nodiscard]] std::optional<User> userByEmailKey(std::string_view emailKey);
+
+    // Tokens are kept only as a hash of the token.
+    void insertToken(std::string_view tokenHash, int64_t userId, int64_t expiresAt);
+    // The user of an unexpired token.
+    [[nodiscard]] std::optional<int64_t> userOfToken(std::string_view tokenHash, int64_t now);
+    void deleteExpiredTokens(int64_t now);
+
+    // Failed sign-ins by throttle key ("email:…", "addr:…"), for every server process at once.
+    void recordLoginFailure(std::string_view key, int64_t at);
+    [[nodiscard]] int64_t loginFailuresSince(std::string_view key, int64_t since);
+    void clearLoginFailures(std::string_view key);
+
+    // --- Linked Riot accounts -------------------------------------------------------------
+    // In link order (by id).
+    [[nodiscard]] std::vector<RiotAccount> accountsOfUser(int64_t userId);
+    [[nodiscard]] std::optional<RiotAccount> accountByPuuid(std::string_view puuid);
+    // Sets account.id. Throws UniqueViolation when the puuid is linked already.
+    void insertAccount(RiotAccount& account);
+    void updateAccount(const RiotAccount& account);
+
+    // --- Players seen in games ------------------------------------------------------------
+    // Inserts, or updates the Riot ID, platform and icon when player.lastSeen is not older
+    // than what is stored.
+    void upsertPlayer(const Player& player);
+    [[nodiscard]] std::optional<Player> playerByPuuid(std::string_view puuid);
+    // The most recently seen player with this folded name and tag.
+    [[nodiscard]] std::optional<Player> playerByRiotIdKey(std::string_view nameKey, std::string_view tagKey);
+
+    // --- Matches and participants -----------------------------------------------------------
+    [[nodiscard]] std::optional<GameWithRows> gameByMatchId(std::string_view riotMatchId);
+    // Set match.id, match.changeSeq (a new change number).
+    void insertMatch(Match& match);
+    // Stores every field and gives the match a new change number (match.changeSeq).
+    void updateMatch(Match& match);
+    // The match's rows become exactly these; sets each participant's id and matchId.
+    void replaceParticipants(int64_t matchId, std::vector<Participant>& participants);
+    // Gives every match in which puuid played a new change number, so it reaches every mirror
+    // again (after an account is linked, its games become part of a user's archive).
+    void touchMatchesOf(std::string_view puuid);
+    // Rows of these matches, by match then row id.
+    [[nodiscard]] std::vector<Participant> participantsOf(std::span<const int64_t> matchIds);
+
+    // Timeline summaries (JSON text) by match and the player whose view they take.
+    void storeTimeline(int64_t matchId, std::string_view puuid, std::string_view json);
+    [[nodiscard]] std::optional<std::string> timelineOf(int64_t matchId, std::string_view puuid);
+
+    // --- Performance scores -------------------------------------------------------------------
+    // The player's games in that position (any position when absent) created before the
+    // given time, newest first, at most limit.
+    [[nodiscard]] std::vector<OwnGame> earlierGames(std::string_view puuid, const std::optional<std::string>& position,
+                                                    int64_t before, int limit);
+    // The puuid's games that have no score for the account yet, oldest first.
+    [[nodiscard]] std::vector<OwnGame> gamesWithoutScore(int64_t riotAccountId, std::string_view puuid);
+    [[nodiscard]] bool hasScore(int64_t riotAccountId, int64_t matchId);
+    // Sets score.id and score.changeSeq.
+    void insertScore(PerformanceScore& score);
+
+    // --- Rank snapshots -------------------------------------------------------------------------
+    // Sets snapshot.id and snapshot.changeSeq.
+    void insertRankSnapshot(RankSnapshot& snapshot);
+    [[nodiscard]] std::optional<RankSnapshot> latestSnapshot(int64_t riotAccountId, std::string_view queue);
+
+    // --- The archive sync: a user's rows changed after a change number, in change order ---------
+    [[nodiscard]] std::vector<Match> changedMatchesOfUser(int64_t userId, int64_t afterSeq, int limit);
+    [[nodiscard]] std::vector<RankSnapshot> changedSnapshotsOfUser(int64_t userId, int64_t afterSeq, int limit);
+    [[nodiscard]] std::vector<PerformanceScore> changedScoresOfUser(int64_t userId, int64_t afterSeq, int limit);
+
+    // --- Social -----------------------------------------------------------------------------------
+    // Every game in which one of the user's accounts played, newest first, with all its rows.
+    [[nodiscard]] std::vector<GameWithRows> gamesOfUser(int64_t userId);
+
+private:
+    SqlConnection& m_db;
+};
+
+} // namespace qf

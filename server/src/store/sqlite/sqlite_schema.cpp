@@ -1,0 +1,168 @@
+// The SQLite schema's steps, and the runner that applies the missing ones.
+
+#include "store/migrations.h"
+#include "store/sqlite/sqlite_connection.h"
+
+#include <string>
+
+namespace qf {
+
+const std::vector<Migration>& sqliteMigrations() {
+    // Booleans are INTEGER 0/1 and times INTEGER milliseconds, as in the PostgreSQL schema.
+    static const std::vector<Migration> steps = {
+        {"accounts, games, scores and rank history",
+         {
+             R"(CREATE TABLE users (
+                 id INTEGER PRIMARY KEY,
+                 email TEXT NOT NULL,
+                 email_key TEXT NOT NULL UNIQUE,
+                 name TEXT,
+                 password_hash TEXT NOT NULL,
+                 created_at INTEGER NOT NULL))",
+             R"(CREATE TABLE tokens (
+                 token_hash TEXT PRIMARY KEY,
+                 user_id INTEGER NOT NULL REFERENCES users(id) ON DELETE CASCADE,
+                 expires_at INTEGER NOT NULL))",
+             "CREATE INDEX tokens_user ON tokens(user_id)",
+             "CREATE INDEX tokens_expiry ON tokens(expires_at)",
+             R"(CREATE TABLE login_failures (
+                 id INTEGER PRIMARY KEY,
+                 throttle_key TEXT NOT NULL,
+                 failed_at INTEGER NOT NULL))",
+             "CREATE INDEX login_failures_key ON login_failures(throttle_key, failed_at)",
+             R"(CREATE TABLE riot_accounts (
+                 id INTEGER PRIMARY KEY,
+                 user_id INTEGER NOT NULL REFERENCES users(id) ON DELETE CASCADE,
+                 puuid TEXT NOT NULL UNIQUE,
+                 game_name TEXT,
+                 tag_line TEXT,
+                 platform TEXT NOT NULL,
+                 region TEXT NOT NULL,
+                 is_owner INTEGER NOT NULL,
+                 profile_icon_id INTEGER,
+                 summoner_level INTEGER,
+                 linked_at INTEGER NOT NULL))",
+             "CREATE INDEX riot_accounts_user ON riot_accounts(user_id)",
+             R"(CREATE TABLE players (
+                 puuid TEXT PRIMARY KEY,
+                 game_name TEXT NOT NULL,
+                 tag_line TEXT NOT NULL,
+                 name_key TEXT NOT NULL,
+                 tag_key TEXT NOT NULL,
+                 platform TEXT NOT NULL,
+                 profile_icon_id INTEGER,
+                 last_seen INTEGER NOT NULL))",
+             "CREATE INDEX players_riot_id ON players(name_key, tag_key, last_seen)",
+             R"(CREATE TABLE matches (
+                 id INTEGER PRIMARY KEY,
+                 match_id TEXT NOT NULL UNIQUE,
+                 platform TEXT NOT NULL,
+                 queue_id INTEGER NOT NULL,
+                 is_ranked INTEGER NOT NULL,
+                 game_creation INTEGER NOT NULL,
+                 game_duration INTEGER NOT NULL,
+                 game_version TEXT NOT NULL,
+                 game_mode TEXT NOT NULL,
+                 season INTEGER,
+                 updated_at INTEGER NOT NULL,
+                 change_seq INTEGER NOT NULL UNIQUE))",
+             R"(CREATE TABLE participants (
+                 id INTEGER PRIMARY KEY,
+                 match_id INTEGER NOT NULL REFERENCES matches(id) ON DELETE CASCADE,
+                 puuid TEXT NOT NULL,
+                 riot_id_game_name TEXT,
+                 riot_id_tag_line TEXT,
+                 team_id INTEGER NOT NULL,
+                 win INTEGER NOT NULL,
+                 champion_id INTEGER NOT NULL,
+                 champion_name TEXT NOT NULL,
+                 team_position TEXT,
+                 champ_level INTEGER,
+                 kills INTEGER NOT NULL,
+                 deaths INTEGER NOT NULL,
+                 assists INTEGER NOT NULL,
+                 total_cs INTEGER NOT NULL,
+                 gold_earned INTEGER NOT NULL,
+                 vision_score INTEGER NOT NULL,
+                 damage_to_champions INTEGER NOT NULL,
+                 items TEXT NOT NULL,
+                 team_damage_pct REAL,
+                 kill_participation REAL,
+                 cs_per_min REAL,
+                 rank_tier TEXT,
+                 rank_division TEXT,
+                 rank_lp INTEGER,
+                 profile_icon_id INTEGER))",
+             "CREATE INDEX participants_match ON participants(match_id)",
+             "CREATE INDEX participants_player ON participants(puuid, match_id)",
+             R"(CREATE TABLE timelines (
+                 match_id INTEGER NOT NULL REFERENCES matches(id) ON DELETE CASCADE,
+                 puuid TEXT NOT NULL,
+                 json TEXT NOT NULL,
+                 PRIMARY KEY (match_id, puuid)))",
+             R"(CREATE TABLE performance_scores (
+                 id INTEGER PRIMARY KEY,
+                 riot_account_id INTEGER NOT NULL REFERENCES riot_accounts(id) ON DELETE CASCADE,
+                 match_id INTEGER NOT NULL REFERENCES matches(id) ON DELETE CASCADE,
+                 champion_id INTEGER NOT NULL,
+                 team_position TEXT,
+                 score REAL NOT NULL,
+                 components TEXT NOT NULL,
+                 baseline_kind TEXT NOT NULL,
+                 change_seq INTEGER NOT NULL,
+                 UNIQUE (riot_account_id, match_id)))",
+             "CREATE INDEX performance_scores_changes ON performance_scores(riot_account_id, change_seq)",
+             R"(CREATE TABLE rank_snapshots (
+                 id INTEGER PRIMARY KEY,
+                 riot_account_id INTEGER NOT NULL REFERENCES riot_accounts(id) ON DELETE CASCADE,
+                 queue TEXT NOT NULL,
+                 tier TEXT,
+                 division TEXT,
+                 lp INTEGER NOT NULL,
+                 wins INTEGER NOT NULL,
+                 losses INTEGER NOT NULL,
+                 captured_at INTEGER NOT NULL,
+                 change_seq INTEGER NOT NULL))",
+             "CREATE INDEX rank_snapshots_changes ON rank_snapshots(riot_account_id, change_seq)",
+             "CREATE INDEX rank_snapshots_latest ON rank_snapshots(riot_account_id, queue, captured_at)",
+             // The one change order of archive rows; PostgreSQL uses a sequence.
+             R"(CREATE TABLE change_counter (
+                 id INTEGER PRIMARY KEY CHECK (id = 1),
+                 value INTEGER NOT NULL))",
+             "INSERT INTO change_counter (id, value) VALUES (1, 0)",
+         }},
+    };
+    return steps;
+}
+
+void migrateSqlite(SqliteConnection& connection) {
+    const auto& steps = sqliteMigrations();
+    // The write lock makes a second process opening the same file wait, then find nothing to do.
+    connection.beginWrite();
+    try {
+        const int64_t version = connection.query("PRAGMA user_version", {}).integer(0, 0);
+        if (version > static_cast<int64_t>(steps.size()))
+            throw StoreError("the SQLite database has schema version " + std::to_string(version) +
+                             ", newer than this server knows (" + std::to_string(steps.size()) + ")");
+        for (size_t i = static_cast<size_t>(version); i < steps.size(); ++i) {
+            try {
+                for (std::string_view statement : steps[i].statements)
+                    connection.execute(std::string(statement));
+            } catch (const StoreError& e) {
+                throw StoreError("schema step " + std::to_string(i + 1) + " (" + std::string(steps[i].name) +
+                                 ") failed: " + e.what());
+            }
+        }
+        if (version < static_cast<int64_t>(steps.size()))
+            connection.execute("PRAGMA user_version = " + std::to_string(steps.size()));
+        connection.commit();
+    } catch (...) {
+        try {
+            connection.rollback();
+        } catch (...) {
+        }
+        throw;
+    }
+}
+
+} // namespace qf
