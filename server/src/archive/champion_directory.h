@@ -19,7 +19,7 @@ namespace qf {
 
 struct ChampionDirectoryOptions {
     std::string version = "16.11.1"; // Data Dragon version whose list is wanted
-    std::filesystem::path cacheDir; // where champion-<version>.json is kept; empty: no cache
+    std::filesystem::path cacheDir;  // where champion-<version>.json is kept; empty: no cache
     std::string cdnBase = "https://ddragon.leagueoflegends.com/cdn";
     bool fetch = true; // false: never reach the network (tests, offline servers)
     long connectTimeoutMs = 3000;

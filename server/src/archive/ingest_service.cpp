@@ -34,11 +34,10 @@ bool sameMatch(const Match& a, const Match& b) {
 
 bool sameRow(const Participant& a, const Participant& b) {
     return a.puuid == b.puuid && a.riotIdGameName == b.riotIdGameName && a.riotIdTagLine == b.riotIdTagLine &&
-           a.teamId == b.teamId && a.win == b.win && a.championId == b.championId &&
-           a.championName == b.championName && a.teamPosition == b.teamPosition && a.champLevel == b.champLevel &&
-           a.kills == b.kills && a.deaths == b.deaths && a.assists == b.assists && a.totalCs == b.totalCs &&
-           a.goldEarned == b.goldEarned && a.visionScore == b.visionScore &&
-           a.damageToChampions == b.damageToChampions && a.items == b.items &&
+           a.teamId == b.teamId && a.win == b.win && a.championId == b.championId && a.championName == b.championName &&
+           a.teamPosition == b.teamPosition && a.champLevel == b.champLevel && a.kills == b.kills &&
+           a.deaths == b.deaths && a.assists == b.assists && a.totalCs == b.totalCs && a.goldEarned == b.goldEarned &&
+           a.visionScore == b.visionScore && a.damageToChampions == b.damageToChampions && a.items == b.items &&
            sameReal(a.teamDamagePct, b.teamDamagePct) && sameReal(a.killParticipation, b.killParticipation) &&
            sameReal(a.csPerMin, b.csPerMin) && a.rankTier == b.rankTier && a.rankDivision == b.rankDivision &&
            a.rankLp == b.rankLp && a.profileIconId == b.profileIconId;

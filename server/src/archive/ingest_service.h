@@ -2,8 +2,8 @@
 
 #include "archive/champion_catalog.h"
 #include "archive/champion_directory.h"
-#include "json/json_input.h"
 #include "store/database.h"
+#include "json/json_input.h"
 
 #include <string>
 #include <vector>
@@ -14,8 +14,8 @@
 namespace qf {
 
 struct IngestOutcome {
-    int64_t ingested = 0; // games stored new or changed
-    int64_t skipped = 0; // games unreadable, or already stored unchanged
+    int64_t ingested = 0;              // games stored new or changed
+    int64_t skipped = 0;               // games unreadable, or already stored unchanged
     std::vector<std::string> matchIds; // Riot match ids of the games stored ("EUW1_7123456789")
 };
 

@@ -51,7 +51,9 @@ std::vector<Element> arrayOf(Element object, std::string_view key) {
     return elements;
 }
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
 
 // Platform ids are short runs of letters and digits ("EUW1", "KR"); the id becomes part of the
 // match id, so nothing else is let through.
@@ -166,8 +168,8 @@ int64_t durationSeconds(Element game) {
 
 // Howling Abyss and Arena games, and the modes played there, have no lanes to speak of.
 bool positionless(std::string_view upperMode, int64_t queueId, int64_t mapId) {
-    return upperMode == "ARAM" || upperMode == "CHERRY" || upperMode == "KIWI" || queueId == 1700 ||
-           queueId == 1710 || mapId == 12 || mapId == 30;
+    return upperMode == "ARAM" || upperMode == "CHERRY" || upperMode == "KIWI" || queueId == 1700 || queueId == 1710 ||
+           mapId == 12 || mapId == 30;
 }
 
 std::optional<std::string> positionKeyword(std::string_view given) {
@@ -321,7 +323,8 @@ std::optional<ClientGame> readClientGame(json::Element game, const ChampionCatal
         p.damageToChampions = count(stats, "totalDamageDealtToChampions");
         static constexpr std::array<std::string_view, 7> slots{"item0", "item1", "item2", "item3",
                                                                "item4", "item5", "item6"};
-        if (std::any_of(slots.begin(), slots.end(), [&](std::string_view s) { return json::member(stats, s).has_value(); }))
+        if (std::any_of(slots.begin(), slots.end(),
+                        [&](std::string_view s) { return json::member(stats, s).has_value(); }))
             for (const std::string_view slot : slots)
                 p.items.push_back(count(stats, slot));
         if (const auto win = json::member(stats, "win"); win && json::optBoolean(*win))

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "archive/champion_catalog.h"
-#include "json/json_input.h"
 #include "store/records.h"
+#include "json/json_input.h"
 
 #include <optional>
 #include <vector>
@@ -14,7 +14,7 @@
 namespace qf {
 
 struct ClientGame {
-    GameRecord game; // derived figures (damage share, kill participation, CS per minute) filled in
+    GameRecord game;             // derived figures (damage share, kill participation, CS per minute) filled in
     std::vector<Player> players; // everyone in it with a puuid, as seen at the game's start
     // False for a history-list entry that carries only some players: it never replaces a
     // stored game that has more of them.

@@ -26,14 +26,18 @@ std::optional<double> kda(const OwnGame& g) {
     const double takedowns = double(g.me.kills + g.me.assists);
     return g.me.deaths > 0 ? takedowns / double(g.me.deaths) : takedowns;
 }
-std::optional<double> killParticipation(const OwnGame& g) { return g.me.killParticipation; }
+std::optional<double> killParticipation(const OwnGame& g) {
+    return g.me.killParticipation;
+}
 std::optional<double> csPerMin(const OwnGame& g) {
     return g.me.csPerMin ? g.me.csPerMin : perMinute(double(g.me.totalCs), g.match.gameDuration);
 }
 std::optional<double> visionPerMin(const OwnGame& g) {
     return perMinute(double(g.me.visionScore), g.match.gameDuration);
 }
-std::optional<double> damageShare(const OwnGame& g) { return g.me.teamDamagePct; }
+std::optional<double> damageShare(const OwnGame& g) {
+    return g.me.teamDamagePct;
+}
 
 struct Component {
     const char* key;
@@ -51,7 +55,9 @@ constexpr Component components[] = {
     {"damage_share", 0.03, damageShare},
 };
 
-double oneDecimal(double value) { return std::round(value * 10.0) / 10.0; }
+double oneDecimal(double value) {
+    return std::round(value * 10.0) / 10.0;
+}
 
 double componentScore(const Component& component, const OwnGame& game, const std::vector<const OwnGame*>& history) {
     const std::optional<double> x = component.value(game);
@@ -83,9 +89,8 @@ PerformanceScore scoreGame(const OwnGame& game, const std::vector<OwnGame>& hist
         if (g.match.gameCreation < game.match.gameCreation && g.match.id != game.match.id &&
             g.me.teamPosition == game.me.teamPosition)
             earlier.push_back(&g);
-    std::stable_sort(earlier.begin(), earlier.end(), [](const OwnGame* a, const OwnGame* b) {
-        return a->match.gameCreation > b->match.gameCreation;
-    });
+    std::stable_sort(earlier.begin(), earlier.end(),
+                     [](const OwnGame* a, const OwnGame* b) { return a->match.gameCreation > b->match.gameCreation; });
     if (earlier.size() > historyDepth)
         earlier.resize(historyDepth);
 

@@ -25,7 +25,9 @@ std::optional<ClientGame> readGame(const QJsonObject& game) {
     return readClientGame(document.root(), champions);
 }
 
-QJsonObject fixtureWithPlayers() { return ClientGames::game(fixtureGameId, ClientGames::puuids(1)); }
+QJsonObject fixtureWithPlayers() {
+    return ClientGames::game(fixtureGameId, ClientGames::puuids(1));
+}
 
 // Sets stats[key] of participant index to value.
 void setStat(QJsonObject& game, int index, const QString& key, const QJsonValue& value) {
@@ -115,7 +117,7 @@ private Q_SLOTS:
 
         const std::vector<Participant>& rows = game->game.participants;
         QCOMPARE(rows.size(), size_t(10));
-        const std::vector<std::string> champions{"Singed", "Pantheon", "Jinx",   "Senna", "Vi",
+        const std::vector<std::string> champions{"Singed", "Pantheon", "Jinx",  "Senna", "Vi",
                                                  "Elise",  "RekSai",   "Xayah", "Sion",  "Blitzcrank"};
         const std::vector<std::string> positions{"TOP",    "MIDDLE", "BOTTOM", "UTILITY", "JUNGLE",
                                                  "MIDDLE", "JUNGLE", "BOTTOM", "TOP",     "UTILITY"};
@@ -172,10 +174,10 @@ private Q_SLOTS:
         QTest::addColumn<int>("rows");
         QTest::addColumn<bool>("complete");
         QTest::addColumn<qint64>("duration");
-        QTest::addColumn<qint64>("team"); // of the first row, and the checks below too
+        QTest::addColumn<qint64>("team");      // of the first row, and the checks below too
         QTest::addColumn<QString>("position"); // empty: none
         QTest::addColumn<QString>("champion");
-        QTest::addColumn<QList<qint64>>("kda"); // kills, deaths, assists
+        QTest::addColumn<QList<qint64>>("kda");        // kills, deaths, assists
         QTest::addColumn<double>("killParticipation"); // negative: none
         QTest::addColumn<bool>("win");
 
@@ -188,11 +190,11 @@ private Q_SLOTS:
             << "Senna" << QList<qint64>{13, 7, 11} << -1.0 << true;
 
         QTest::newRow("Arena: 16 players, teams 100 to 800")
-            << arenaGame(false) << id << 16 << true << qint64(1919) << qint64(100) << "" << "Singed" << singedKda
-            << 12.0 / 15.0 << true;
+            << arenaGame(false) << id << 16 << true << qint64(1919) << qint64(100) << ""
+            << "Singed" << singedKda << 12.0 / 15.0 << true;
         QTest::newRow("Arena: pairs named by sub-team")
-            << arenaGame(true) << id << 16 << true << qint64(1919) << qint64(1) << "" << "Singed" << singedKda
-            << 12.0 / 15.0 << true;
+            << arenaGame(true) << id << 16 << true << qint64(1919) << qint64(1) << ""
+            << "Singed" << singedKda << 12.0 / 15.0 << true;
 
         QJsonObject g = full;
         g["gameId"] = 3724412289.0;
@@ -200,64 +202,63 @@ private Q_SLOTS:
         setStat(g, 0, "deaths", 7.9);
         setStat(g, 0, "assists", QJsonValue::Undefined);
         QTest::newRow("numbers as text, reals and missing")
-            << g << id << 10 << true << qint64(1919) << qint64(100) << "TOP" << "Singed" << QList<qint64>{0, 7, 0}
-            << 0.0 << true;
+            << g << id << 10 << true << qint64(1919) << qint64(100) << "TOP"
+            << "Singed" << QList<qint64>{0, 7, 0} << 0.0 << true;
 
         g = full;
         setStat(g, 0, "kills", -5);
         setStat(g, 0, "deaths", 1e300);
-        QTest::newRow("negative and absurd counts")
-            << g << id << 10 << true << qint64(1919) << qint64(100) << "TOP" << "Singed" << QList<qint64>{0, 0, 10}
-            << 10.0 / 38.0 << true;
+        QTest::newRow("negative and absurd counts") << g << id << 10 << true << qint64(1919) << qint64(100) << "TOP"
+                                                    << "Singed" << QList<qint64>{0, 0, 10} << 10.0 / 38.0 << true;
 
         g = full;
         g["gameDuration"] = 1919000;
-        QTest::newRow("duration in milliseconds")
-            << g << id << 10 << true << qint64(1919) << qint64(100) << "TOP" << "Singed" << singedKda << 12.0 / 40.0
-            << true;
+        QTest::newRow("duration in milliseconds") << g << id << 10 << true << qint64(1919) << qint64(100) << "TOP"
+                                                  << "Singed" << singedKda << 12.0 / 40.0 << true;
 
         g = full;
         setMember(g, "participants", 0, "championId", 99999);
         QTest::newRow("champion the list does not know")
-            << g << id << 10 << true << qint64(1919) << qint64(100) << "TOP" << "" << singedKda << 12.0 / 40.0 << true;
+            << g << id << 10 << true << qint64(1919) << qint64(100) << "TOP"
+            << "" << singedKda << 12.0 / 40.0 << true;
 
         g = full;
         g["gameMode"] = "ARAM";
         g["mapId"] = 12;
         g["queueId"] = 450;
-        QTest::newRow("ARAM has no positions")
-            << g << id << 10 << true << qint64(1919) << qint64(100) << "" << "Singed" << singedKda << 12.0 / 40.0
-            << true;
+        QTest::newRow("ARAM has no positions") << g << id << 10 << true << qint64(1919) << qint64(100) << ""
+                                               << "Singed" << singedKda << 12.0 / 40.0 << true;
 
         g = full;
         setMember(g, "participants", 0, "teamPosition", "utility");
         QTest::newRow("a position the client names wins over the lane")
-            << g << id << 10 << true << qint64(1919) << qint64(100) << "UTILITY" << "Singed" << singedKda
-            << 12.0 / 40.0 << true;
+            << g << id << 10 << true << qint64(1919) << qint64(100) << "UTILITY"
+            << "Singed" << singedKda << 12.0 / 40.0 << true;
 
         g = full;
         setStat(g, 0, "win", QJsonValue::Undefined);
         setMember(g, "teams", 0, "win", "Fail");
         QTest::newRow("result from the team when the player's is missing")
-            << g << id << 10 << true << qint64(1919) << qint64(100) << "TOP" << "Singed" << singedKda << 12.0 / 40.0
-            << false;
+            << g << id << 10 << true << qint64(1919) << qint64(100) << "TOP"
+            << "Singed" << singedKda << 12.0 / 40.0 << false;
 
         g = full;
         g["platformId"] = "euw1";
-        QTest::newRow("platform upper-cased") << g << "EUW1_3724412289" << 10 << true << qint64(1919) << qint64(100)
-                                              << "TOP" << "Singed" << singedKda << 12.0 / 40.0 << true;
+        QTest::newRow("platform upper-cased")
+            << g << "EUW1_3724412289" << 10 << true << qint64(1919) << qint64(100) << "TOP"
+            << "Singed" << singedKda << 12.0 / 40.0 << true;
 
         g = full;
         g.remove("participantIdentities");
-        QTest::newRow("no identities") << g << "" << 0 << false << qint64(0) << qint64(0) << "" << "" << singedKda
-                                       << 0.0 << false;
+        QTest::newRow("no identities") << g << "" << 0 << false << qint64(0) << qint64(0) << ""
+                                       << "" << singedKda << 0.0 << false;
 
         g = full;
         const QJsonObject bot{{"puuid", "00000000-0000-0000-0000-000000000000"}};
         setMember(g, "participantIdentities", 0, "player", bot);
         QTest::newRow("a bot is not stored, but counts in its team")
-            << g << id << 9 << true << qint64(1919) << qint64(100) << "MIDDLE" << "Pantheon"
-            << QList<qint64>{13, 6, 14} << 27.0 / 40.0 << true;
+            << g << id << 9 << true << qint64(1919) << qint64(100) << "MIDDLE"
+            << "Pantheon" << QList<qint64>{13, 6, 14} << 27.0 / 40.0 << true;
 
         for (const auto& [name, value] : std::initializer_list<std::pair<const char*, QJsonValue>>{
                  {"gameId as text", "3724412289"}, {"gameId zero", 0}, {"gameId missing", QJsonValue::Undefined}}) {
@@ -266,23 +267,25 @@ private Q_SLOTS:
                 g.remove("gameId");
             else
                 g["gameId"] = value;
-            QTest::newRow(name) << g << "" << 0 << false << qint64(0) << qint64(0) << "" << "" << singedKda << 0.0
-                                << false;
+            QTest::newRow(name) << g << "" << 0 << false << qint64(0) << qint64(0) << ""
+                                << "" << singedKda << 0.0 << false;
         }
-        for (const auto& [name, value] : std::initializer_list<std::pair<const char*, QJsonValue>>{
-                 {"platform missing", QJsonValue::Undefined}, {"platform a number", 1}, {"platform with a path", "NA1/../x"}}) {
+        for (const auto& [name, value] :
+             std::initializer_list<std::pair<const char*, QJsonValue>>{{"platform missing", QJsonValue::Undefined},
+                                                                       {"platform a number", 1},
+                                                                       {"platform with a path", "NA1/../x"}}) {
             g = full;
             if (value.isUndefined())
                 g.remove("platformId");
             else
                 g["platformId"] = value;
-            QTest::newRow(name) << g << "" << 0 << false << qint64(0) << qint64(0) << "" << "" << singedKda << 0.0
-                                << false;
+            QTest::newRow(name) << g << "" << 0 << false << qint64(0) << qint64(0) << ""
+                                << "" << singedKda << 0.0 << false;
         }
         g = full;
         g["participants"] = QJsonObject{{"0", full["participants"].toArray()[0]}};
-        QTest::newRow("participants not a list")
-            << g << "" << 0 << false << qint64(0) << qint64(0) << "" << "" << singedKda << 0.0 << false;
+        QTest::newRow("participants not a list") << g << "" << 0 << false << qint64(0) << qint64(0) << ""
+                                                 << "" << singedKda << 0.0 << false;
     }
 
     void cases() {
@@ -377,9 +380,11 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("text");
         QTest::addColumn<int>("size"); // -1: not a list
         QTest::newRow("Data Dragon's shape")
-            << QByteArray(R"({"version":"1.0","data":{"Aatrox":{"key":"266","id":"Aatrox"},"Ahri":{"key":"103"}}})") << 2;
+            << QByteArray(R"({"version":"1.0","data":{"Aatrox":{"key":"266","id":"Aatrox"},"Ahri":{"key":"103"}}})")
+            << 2;
         QTest::newRow("keys that are not whole numbers are left out")
-            << QByteArray(R"({"data":{"A":{"key":"x1"},"B":{"key":"-3"},"C":{"key":12},"D":{"key":" 4"},"E":{"key":"7"}}})")
+            << QByteArray(
+                   R"({"data":{"A":{"key":"x1"},"B":{"key":"-3"},"C":{"key":12},"D":{"key":" 4"},"E":{"key":"7"}}})")
             << 1;
         QTest::newRow("no data") << QByteArray(R"({"version":"1.0"})") << -1;
         QTest::newRow("data a list") << QByteArray(R"({"data":[]})") << -1;
