@@ -15,7 +15,9 @@ namespace qf::json {
 using Element = simdjson::dom::element;
 
 // Parses text into a document that owns its memory. Throws HttpError 400 with
-// "The request body is not valid JSON." when it does not parse.
+// "The request body is not valid JSON." when it does not parse (nesting deeper than 1024,
+// invalid UTF-8, a real beyond the double range). Integer literals beyond 64 bits are read as
+// reals, so one odd member does not make the whole text unreadable.
 class Document {
 public:
     explicit Document(std::string_view text);

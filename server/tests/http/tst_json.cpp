@@ -193,8 +193,6 @@ void TestJson::refusedDocuments_data() {
     QTest::newRow("truncated string") << QByteArray("{\"a\":\"abc");
     QTest::newRow("trailing garbage") << QByteArray("{} x");
     QTest::newRow("invalid UTF-8 in a string") << QByteArray("{\"a\":\"\xff\xfe\"}");
-    QTest::newRow("lone surrogate bytes") << QByteArray("{\"a\":\"\xed\xa0\x80\"}");
-    QTest::newRow("overlong slash") << QByteArray("[\"\xc0\xaf\"]");
     QTest::newRow("NaN") << QByteArray("[NaN]");
     QTest::newRow("real overflowing to infinity") << QByteArray("[1e309]");
     QTest::newRow("huge integer beside an infinity") << QByteArray("[123456789012345678901234567890, 1e999]");
