@@ -513,7 +513,8 @@ std::optional<RankSnapshot> Repository::latestSnapshot(int64_t riotAccountId, st
 // Matches are global, so a user's changed matches are found from the user's side: their match
 // ids through participants(puuid, match_id), then those after the cursor sorted by number. The
 // cost follows the size of the user's archive, never the size of the whole table. The unary
-// plus keeps SQLite from walking the change_seq index of every user's matches instead.
+// plus rules out the other plan, walking the change_seq index through every user's matches,
+// whatever statistics the engine keeps.
 
 std::vector<Match> Repository::changedMatchesOfUser(int64_t userId, int64_t afterSeq, int limit) {
     SqlResult r = m_db.query("SELECT " QF_MATCH_COLUMNS " FROM matches m WHERE m.id IN (" QF_USER_MATCH_IDS ") "
