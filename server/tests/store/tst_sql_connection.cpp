@@ -251,6 +251,12 @@ void TestSqlConnection::transactions() {
     reader->commit();
     QCOMPARE(count(*reader), 1);
 
+    // A read transaction refuses writes on both engines.
+    reader->beginRead();
+    QVERIFY_THROWS_EXCEPTION(StoreError, reader->query("INSERT INTO t (id) VALUES (9)", {}));
+    reader->rollback();
+    QCOMPARE(count(*writer), 1);
+
     // A transaction a failure left open does not swallow the next one.
     writer->beginWrite();
     writer->query("INSERT INTO t (id) VALUES (3)", {});

@@ -167,8 +167,11 @@ SqlResult SqliteConnection::query(std::string_view sql, std::span<const SqlValue
     return SqlResult(columns, std::move(cells));
 }
 
+// query_only makes a write inside a read transaction fail, as PostgreSQL's READ ONLY does, so a
+// mistake shows on both engines alike.
 void SqliteConnection::beginRead() {
     rollback(); // a transaction some failure left open would swallow this one
+    query("PRAGMA query_only = 1", {});
     query("BEGIN", {});
 }
 
@@ -176,6 +179,7 @@ void SqliteConnection::beginRead() {
 // the upgrade (which SQLite answers with SQLITE_BUSY without waiting).
 void SqliteConnection::beginWrite() {
     rollback();
+    query("PRAGMA query_only = 0", {});
     query("BEGIN IMMEDIATE", {});
 }
 
