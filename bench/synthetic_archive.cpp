@@ -488,7 +488,7 @@ QByteArray snakeCase(const QString& camel) {
     return out;
 }
 
-void writeMatch(QByteArray& out, const MatchDTO& m) {
+void writeMatch(QByteArray& out, const MatchDto& m) {
     JsonObjectWriter w(out);
     w.integer("id", m.id)
         .text("match_id", m.matchId)
@@ -503,7 +503,7 @@ void writeMatch(QByteArray& out, const MatchDTO& m) {
         .optional("updated_at", m.updatedAt);
 }
 
-void writeParticipant(QByteArray& out, const ParticipantDTO& p) {
+void writeParticipant(QByteArray& out, const ParticipantDto& p) {
     JsonObjectWriter w(out);
     w.integer("id", p.id)
         .integer("match_id", p.matchId)
@@ -532,7 +532,7 @@ void writeParticipant(QByteArray& out, const ParticipantDTO& p) {
         .optional("rank_lp", p.rankLp);
 }
 
-void writeSnapshot(QByteArray& out, const RankSnapshotDTO& r) {
+void writeSnapshot(QByteArray& out, const RankSnapshotDto& r) {
     JsonObjectWriter w(out);
     w.integer("id", r.id)
         .integer("riot_account_id", r.riotAccountId)
@@ -545,7 +545,7 @@ void writeSnapshot(QByteArray& out, const RankSnapshotDTO& r) {
         .optional("captured_at", r.capturedAt);
 }
 
-void writeScore(QByteArray& out, const PerformanceScoreDTO& s) {
+void writeScore(QByteArray& out, const PerformanceScoreDto& s) {
     JsonObjectWriter w(out);
     w.integer("id", s.id)
         .integer("riot_account_id", s.riotAccountId)
@@ -594,7 +594,7 @@ struct SyntheticArchive::Generator {
         owner.gameName = QStringLiteral("Fernwhisper");
         owner.tagLine = QStringLiteral("EUW");
 
-        RiotAccountDTO account;
+        RiotAccountDto account;
         account.id = ownerAccountId;
         account.puuid = owner.puuid;
         account.gameName = owner.gameName;
@@ -953,7 +953,7 @@ struct SyntheticArchive::Generator {
             }
         }
 
-        MatchDTO match;
+        MatchDto match;
         match.id = game + 1;
         matchNumber += random.between(8'000, 40'000);
         match.matchId = QStringLiteral("EUW1_%1").arg(matchNumber);
@@ -1003,7 +1003,7 @@ struct SyntheticArchive::Generator {
             const Role role = roles[seat];
             const bool won = teamWon[teamOf(seat)];
 
-            ParticipantDTO p;
+            ParticipantDto p;
             p.id = nextParticipantId++;
             p.matchId = match.id;
             p.puuid = player.puuid;
@@ -1082,7 +1082,7 @@ struct SyntheticArchive::Generator {
         }
 
         const int ownerSeat = static_cast<int>(std::find(seats.begin(), seats.end(), &owner) - seats.begin());
-        const ParticipantDTO& me = archive.m_participants[archive.m_participants.size() - 10 + ownerSeat];
+        const ParticipantDto& me = archive.m_participants[archive.m_participants.size() - 10 + ownerSeat];
         archive.m_scores.append(score(match, me, remake));
 
         if (ladder) {
@@ -1099,8 +1099,8 @@ struct SyntheticArchive::Generator {
         return duration;
     }
 
-    PerformanceScoreDTO score(const MatchDTO& match, const ParticipantDTO& me, bool remake) {
-        PerformanceScoreDTO s;
+    PerformanceScoreDto score(const MatchDto& match, const ParticipantDto& me, bool remake) {
+        PerformanceScoreDto s;
         s.id = match.id + 500'000;
         s.riotAccountId = ownerAccountId;
         s.matchId = match.id;
@@ -1152,7 +1152,7 @@ struct SyntheticArchive::Generator {
 
         qint64 id = 90'001;
         for (const RankedGame* g : chosen) {
-            RankSnapshotDTO r;
+            RankSnapshotDto r;
             r.id = id++;
             r.riotAccountId = ownerAccountId;
             r.queue = g->queue == 0 ? QStringLiteral("RANKED_SOLO_5x5") : QStringLiteral("RANKED_FLEX_SR");
@@ -1180,7 +1180,7 @@ SyntheticArchive::SyntheticArchive(SyntheticArchiveOptions options) : m_options(
 
 QSet<QString> SyntheticArchive::ownerPuuids() const {
     QSet<QString> puuids;
-    for (const RiotAccountDTO& account : m_accounts)
+    for (const RiotAccountDto& account : m_accounts)
         puuids.insert(account.puuid);
     return puuids;
 }
@@ -1282,13 +1282,13 @@ QByteArray SyntheticArchive::pageBody(int page) const {
 }
 
 void SyntheticArchive::fill(ArchiveStore& store) const {
-    for (const MatchDTO& dto : m_matches)
+    for (const MatchDto& dto : m_matches)
         store.matches().insert(std::make_unique<LocalMatch>(dto));
-    for (const ParticipantDTO& dto : m_participants)
+    for (const ParticipantDto& dto : m_participants)
         store.participants().insert(std::make_unique<LocalParticipant>(dto));
-    for (const RankSnapshotDTO& dto : m_snapshots)
+    for (const RankSnapshotDto& dto : m_snapshots)
         store.rankSnapshots().insert(std::make_unique<LocalRankSnapshot>(dto));
-    for (const PerformanceScoreDTO& dto : m_scores)
+    for (const PerformanceScoreDto& dto : m_scores)
         store.performanceScores().insert(std::make_unique<LocalPerformanceScore>(dto));
     store.save();
 }

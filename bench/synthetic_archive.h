@@ -36,7 +36,7 @@ public:
     [[nodiscard]] const SyntheticArchiveOptions& options() const { return m_options; }
 
     // The owner's linked Riot account(s), as "riot-accounts" would answer.
-    [[nodiscard]] const QList<RiotAccountDTO>& ownerAccounts() const { return m_accounts; }
+    [[nodiscard]] const QList<RiotAccountDto>& ownerAccounts() const { return m_accounts; }
     [[nodiscard]] QSet<QString> ownerPuuids() const;
     // The recurring team-mates: their puuids and their game names in lower case.
     [[nodiscard]] QStringList friendPuuids() const;
@@ -46,10 +46,10 @@ public:
 
     // The archive as decoded backend records, oldest game first. Every game has ten
     // participants in match order (blue side first) and one score of the owner.
-    [[nodiscard]] const QList<MatchDTO>& matches() const { return m_matches; }
-    [[nodiscard]] const QList<ParticipantDTO>& participants() const { return m_participants; }
-    [[nodiscard]] const QList<PerformanceScoreDTO>& performanceScores() const { return m_scores; }
-    [[nodiscard]] const QList<RankSnapshotDTO>& rankSnapshots() const { return m_snapshots; }
+    [[nodiscard]] const QList<MatchDto>& matches() const { return m_matches; }
+    [[nodiscard]] const QList<ParticipantDto>& participants() const { return m_participants; }
+    [[nodiscard]] const QList<PerformanceScoreDto>& performanceScores() const { return m_scores; }
+    [[nodiscard]] const QList<RankSnapshotDto>& rankSnapshots() const { return m_snapshots; }
     [[nodiscard]] qsizetype recordCount() const;
 
     // The archive as the backend's "sync" answers, oldest first, in snake_case JSON. Page
@@ -68,13 +68,13 @@ private:
     struct Generator;
 
     SyntheticArchiveOptions m_options;
-    QList<RiotAccountDTO> m_accounts;
+    QList<RiotAccountDto> m_accounts;
     QStringList m_friendPuuids;
     QStringList m_friendNames;
     QStringList m_friendRiotIds;
-    QList<MatchDTO> m_matches;
-    QList<ParticipantDTO> m_participants;
-    QList<PerformanceScoreDTO> m_scores;
-    QList<RankSnapshotDTO> m_snapshots;
+    QList<MatchDto> m_matches;
+    QList<ParticipantDto> m_participants;
+    QList<PerformanceScoreDto> m_scores;
+    QList<RankSnapshotDto> m_snapshots;
     std::vector<int> m_snapshotGame; // the game after which each snapshot was taken
 };

@@ -3,9 +3,10 @@
 // Run it under QT_QPA_PLATFORM=offscreen (scripts/tour does). The archive comes from the
 // synthetic generator; a loopback fake backend answers the few calls a start-up makes.
 
-#include "app/app_state.h"
+#include "session/app_state.h"
 #include "archive/archive_store.h"
-#include "game_data/game_category.h"
+#include "screens/history_model.h"
+#include "screens/rank_model.h"
 #include "support/fake_backend.h"
 #include "synthetic_archive.h"
 #include "theme/fonts.h"
@@ -30,6 +31,7 @@
 
 Q_IMPORT_QML_PLUGIN(QuillFern_AppPlugin)
 Q_IMPORT_QML_PLUGIN(QuillFern_ThemePlugin)
+Q_IMPORT_QML_PLUGIN(QuillFern_SessionPlugin)
 Q_IMPORT_QML_PLUGIN(QuillFern_ScreensPlugin)
 
 namespace {
@@ -38,12 +40,12 @@ namespace {
 QJsonArray duosJson(const SyntheticArchive& archive) {
     const QSet<QString> owners = archive.ownerPuuids();
     QHash<qint64, std::pair<qint64, bool>> ownerSide; // game -> (team, won)
-    for (const ParticipantDTO& p : archive.participants())
+    for (const ParticipantDto& p : archive.participants())
         if (owners.contains(p.puuid))
             ownerSide.insert(p.matchId, {p.teamId, p.win});
     const QStringList puuids = archive.friendPuuids();
     QHash<QString, std::pair<qint64, qint64>> together; // puuid -> (games, wins)
-    for (const ParticipantDTO& p : archive.participants()) {
+    for (const ParticipantDto& p : archive.participants()) {
         const auto side = ownerSide.constFind(p.matchId);
         if (side != ownerSide.cend() && side->first == p.teamId && puuids.contains(p.puuid)) {
             ++together[p.puuid].first;
@@ -65,7 +67,7 @@ QJsonArray duosJson(const SyntheticArchive& archive) {
     return duos;
 }
 
-QJsonObject accountJson(const RiotAccountDTO& a) {
+QJsonObject accountJson(const RiotAccountDto& a) {
     QJsonObject json{{"id", a.id}, {"puuid", a.puuid}, {"platform", a.platform}, {"region", a.region}};
     if (a.gameName) json.insert("game_name", *a.gameName);
     if (a.tagLine) json.insert("tag_line", *a.tagLine);
@@ -117,7 +119,7 @@ struct Scene {
             settings->setValue("authToken", "tour-token");
         QJsonArray accounts;
         if (archive)
-            for (const RiotAccountDTO& account : archive->ownerAccounts())
+            for (const RiotAccountDto& account : archive->ownerAccounts())
                 accounts.append(accountJson(account));
         backend.on("POST", "/api/riot-accounts/refresh", FakeResponse::json({{"riot_accounts", accounts}}));
         backend.on("GET", "/api/riot-accounts", FakeResponse::json({{"riot_accounts", accounts}}));
@@ -133,7 +135,7 @@ struct Scene {
             archive->fill(*store);
         state = std::make_unique<AppState>(*settings, network);
         AppState::exposeToQml(state.get());
-        images = std::make_unique<GameImages>(state->ddragon());
+        images = std::make_unique<GameImages>(state->staticData().dataDragon());
         GameImages::exposeToQml(images.get());
 
         engine = std::make_unique<QQmlApplicationEngine>();
@@ -183,9 +185,9 @@ struct Scene {
         settle(300);
     }
 
-    void setFilter(int category) {
+    void setFilter(HistoryModel::Filter filter) {
         if (QObject* history = find("HistoryModel"))
-            history->setProperty("filter", category);
+            history->setProperty("filter", QVariant::fromValue(filter));
         settle(300);
     }
 
@@ -216,11 +218,11 @@ struct Scene {
     }
 
     // Picks a queue on the rank screen, as its picker would.
-    void setRankQueue(const QString& queue) {
+    void setRankQueue(RankModel::Queue queue) {
         // Screens left earlier are only deleted later; let them go so that the one in view is found.
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         if (QObject* rank = find("RankModel"))
-            rank->setProperty("queue", queue);
+            rank->setProperty("queue", QVariant::fromValue(queue));
         settle(300);
     }
 
@@ -304,12 +306,12 @@ int main(int argc, char* argv[]) {
             ok &= full.shoot(out.filePath(QString::fromLatin1(names[section]) + ".png"));
         }
         full.select(3);
-        full.setRankQueue(QStringLiteral("RANKED_FLEX_SR"));
+        full.setRankQueue(RankModel::Queue::Flex);
         ok &= full.shoot(out.filePath("rank-flex.png"));
         full.select(1);
-        full.setFilter(static_cast<int>(GameCategory::Ranked));
+        full.setFilter(HistoryModel::Filter::Ranked);
         ok &= full.shoot(out.filePath("history-filtered.png"));
-        full.setFilter(-1);
+        full.setFilter(HistoryModel::Filter::All);
         full.openNewestGame();
         ok &= full.shoot(out.filePath("detail.png"));
     }

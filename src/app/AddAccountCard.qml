@@ -1,6 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic
-import QuillFern.App
+import QuillFern.Session
 import QuillFern.Theme
 
 // Links a Riot account by Name#TAG.
@@ -14,24 +14,23 @@ GlassCard {
 
     Column {
         width: parent.width
-        spacing: 12
+        spacing: Theme.cardSpacing
 
         SectionLabel { text: "Link a Riot account" }
-        Text {
+        ThemeText {
+            role: Theme.Body
             width: parent.width
             text: "Add your Name#TAG to backfill your match history."
             color: Theme.textSecondary
-            font.family: Theme.fontFamily
-            font.pixelSize: 13
             wrapMode: Text.Wrap
         }
         Row {
             width: parent.width
-            spacing: 10
+            spacing: Theme.controlSpacing
             Rectangle {
                 width: parent.width - addButton.width - parent.spacing
                 height: 38
-                radius: 10
+                radius: Theme.controlRadius
                 color: Qt.rgba(1, 1, 1, 0.04)
                 border.width: 1
                 border.color: riotField.activeFocus ? Qt.rgba(Theme.gold.r, Theme.gold.g, Theme.gold.b, 0.6) : Qt.rgba(1, 1, 1, 0.12)
@@ -44,7 +43,7 @@ GlassCard {
                     placeholderTextColor: Theme.textDim
                     color: Theme.text
                     font.family: Theme.fontFamily
-                    font.pixelSize: 14
+                    font.pixelSize: Theme.fontSize(Theme.Callout)
                     background: null
                     text: form.riotId
                     onTextChanged: form.riotId = text
@@ -55,15 +54,14 @@ GlassCard {
                 id: addButton
                 width: 72
                 height: 38
-                radius: 10
+                radius: Theme.controlRadius
                 color: Theme.gold
                 opacity: form.canAdd ? 1.0 : 0.5
-                Text {
+                ThemeText {
+                    role: Theme.Callout
                     anchors.centerIn: parent
                     text: "Add"
-                    color: "#1A1530"
-                    font.family: Theme.fontFamily
-                    font.pixelSize: 14
+                    color: Theme.textOnGold
                     font.weight: Font.Bold
                 }
                 MouseArea {
@@ -74,13 +72,12 @@ GlassCard {
                 }
             }
         }
-        Text {
+        ThemeText {
+            role: Theme.Body
             width: parent.width
             visible: AppState.hasError
             text: AppState.errorMessage
             color: Theme.loss
-            font.family: Theme.fontFamily
-            font.pixelSize: 13
             wrapMode: Text.Wrap
         }
     }

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import QuillFern.App
+import QuillFern.Session
 import QuillFern.Theme
 
 // Switches the whole window on the session phase.

@@ -12,7 +12,7 @@ Rectangle {
     signal accepted()
 
     implicitHeight: 44
-    radius: 12
+    radius: Theme.buttonRadius
     color: Qt.rgba(1, 1, 1, 0.05)
     border.width: 1
     border.color: field.activeFocus ? Qt.rgba(Theme.gold.r, Theme.gold.g, Theme.gold.b, 0.6) : Qt.rgba(1, 1, 1, 0.1)
@@ -38,7 +38,7 @@ Rectangle {
         placeholderTextColor: Theme.textDim
         selectionColor: Theme.gold
         font.family: Theme.fontFamily
-        font.pixelSize: 14
+        font.pixelSize: Theme.fontSize(Theme.Callout)
         background: null
         onAccepted: root.accepted()
     }

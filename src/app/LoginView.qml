@@ -1,7 +1,7 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import Qt5Compat.GraphicalEffects
-import QuillFern.App
+import QuillFern.Session
 import QuillFern.Theme
 
 // Sign in, register, or sign in with the running League client.
@@ -22,7 +22,7 @@ Item {
 
         Column {
             width: parent.width
-            spacing: 16
+            spacing: Theme.sectionSpacing
 
             Item {
                 width: parent.width
@@ -43,16 +43,15 @@ Item {
                 }
             }
             DisplayTitle {
+                role: Theme.Brand
                 anchors.horizontalCenter: parent.horizontalCenter
                 text: "QUILL FERN"
-                size: 28
             }
-            Text {
+            ThemeText {
+                role: Theme.Body
                 anchors.horizontalCenter: parent.horizontalCenter
                 text: "Endless history · performance · overlay"
                 color: Theme.textSecondary
-                font.family: Theme.fontFamily
-                font.pixelSize: 13
             }
 
             Item { width: 1; height: 4 }
@@ -75,13 +74,12 @@ Item {
                 onAccepted: form.submit()
             }
 
-            Text {
+            ThemeText {
+                role: Theme.Body
                 width: parent.width
                 visible: AppState.hasError
                 text: AppState.errorMessage
                 color: Theme.loss
-                font.family: Theme.fontFamily
-                font.pixelSize: 13
                 horizontalAlignment: Text.AlignHCenter
                 wrapMode: Text.Wrap
             }
@@ -90,7 +88,7 @@ Item {
             Rectangle {
                 width: parent.width
                 height: 44
-                radius: 12
+                radius: Theme.buttonRadius
                 color: Theme.gold
                 opacity: form.canSubmit ? 1.0 : 0.6
                 BusyIndicator {
@@ -99,13 +97,12 @@ Item {
                     running: form.busy
                     visible: form.busy
                 }
-                Text {
+                ThemeText {
+                    role: Theme.Emphasis
                     anchors.centerIn: parent
                     visible: !form.busy
                     text: form.submitLabel
-                    color: "#1A1530"
-                    font.family: Theme.fontFamily
-                    font.pixelSize: 15
+                    color: Theme.textOnGold
                     font.weight: Font.Bold
                 }
                 MouseArea {
@@ -116,12 +113,11 @@ Item {
                 }
             }
 
-            Text {
+            ThemeText {
+                role: Theme.Body
                 anchors.horizontalCenter: parent.horizontalCenter
                 text: form.toggleLabel
                 color: toggleArea.containsMouse ? Theme.goldBright : Theme.gold
-                font.family: Theme.fontFamily
-                font.pixelSize: 13
                 font.weight: Font.Medium
                 MouseArea {
                     id: toggleArea
@@ -134,14 +130,13 @@ Item {
 
             Row {
                 width: parent.width
-                spacing: 10
+                spacing: Theme.controlSpacing
                 Rectangle { width: (parent.width - orText.width - 20) / 2; height: 1; color: Qt.rgba(1, 1, 1, 0.12); anchors.verticalCenter: parent.verticalCenter }
-                Text {
+                ThemeText {
                     id: orText
+                    role: Theme.Caption
                     text: "or"
                     color: Theme.textDim
-                    font.family: Theme.fontFamily
-                    font.pixelSize: 11
                 }
                 Rectangle { width: (parent.width - orText.width - 20) / 2; height: 1; color: Qt.rgba(1, 1, 1, 0.12); anchors.verticalCenter: parent.verticalCenter }
             }
@@ -150,7 +145,7 @@ Item {
             Rectangle {
                 width: parent.width
                 height: 44
-                radius: 12
+                radius: Theme.buttonRadius
                 color: leagueArea.containsMouse && form.canUseLeague ? Qt.rgba(Theme.teal.r, Theme.teal.g, Theme.teal.b, 0.1) : "transparent"
                 border.width: 1.5
                 border.color: Theme.teal
@@ -163,15 +158,14 @@ Item {
                 }
                 Row {
                     anchors.centerIn: parent
-                    spacing: 8
+                    spacing: Theme.itemSpacing
                     visible: !form.leagueBusy
                     Symbol { name: "gamecontroller.fill"; size: 18; color: Theme.teal }
-                    Text {
+                    ThemeText {
+                        role: Theme.Callout
                         anchors.verticalCenter: parent.verticalCenter
                         text: "Sign in with League"
                         color: Theme.teal
-                        font.family: Theme.fontFamily
-                        font.pixelSize: 14
                         font.weight: Font.DemiBold
                     }
                 }
@@ -184,12 +178,11 @@ Item {
                     onClicked: form.signInWithLeague()
                 }
             }
-            Text {
+            ThemeText {
+                role: Theme.Caption
                 anchors.horizontalCenter: parent.horizontalCenter
                 text: "Requires the League client to be open."
                 color: Theme.textDim
-                font.family: Theme.fontFamily
-                font.pixelSize: 11
             }
         }
     }

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import QuillFern.App
+import QuillFern.Theme
 
 ApplicationWindow {
     id: window
@@ -10,19 +11,19 @@ ApplicationWindow {
     minimumHeight: 740
     visible: true
     title: "Quill Fern"
-    color: "#0C0A18"
-    font.family: "Inter"
+    color: Theme.wallBottom
+    font.family: Theme.fontFamily
 
-    // Always dark, with the gold accent.
-    palette.window: "#0C0A18"
-    palette.windowText: Qt.rgba(1, 1, 1, 0.96)
-    palette.base: "#0E1422"
-    palette.text: Qt.rgba(1, 1, 1, 0.96)
-    palette.button: "#0E1422"
-    palette.buttonText: Qt.rgba(1, 1, 1, 0.96)
-    palette.highlight: "#C8AA6E"
-    palette.highlightedText: "#0C0A18"
-    palette.placeholderText: Qt.rgba(1, 1, 1, 0.42)
+    // Always dark, with the gold accent: the controls Qt draws itself take the theme's colours.
+    palette.window: Theme.wallBottom
+    palette.windowText: Theme.text
+    palette.base: Theme.glassDark
+    palette.text: Theme.text
+    palette.button: Theme.glassDark
+    palette.buttonText: Theme.text
+    palette.highlight: Theme.gold
+    palette.highlightedText: Theme.wallBottom
+    palette.placeholderText: Theme.textDim
 
     ContentView {
         anchors.fill: parent

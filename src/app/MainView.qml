@@ -3,12 +3,23 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import QuillFern.App
 import QuillFern.Screens
+import QuillFern.Session
 import QuillFern.Theme
 
 // The signed-in window: sidebar on the left, toolbar and the selected section on the right.
 Item {
     id: root
     property int selection: NavSection.Overview
+    // The screen of the selected section; none for the sections still to come.
+    readonly property Component sectionView: {
+        switch (selection) {
+        case NavSection.Overview: return overviewView
+        case NavSection.History: return historyView
+        case NavSection.Champions: return championsView
+        case NavSection.Rank: return rankView
+        default: return null
+        }
+    }
 
     SidebarModel {
         id: sidebarModel
@@ -36,27 +47,41 @@ Item {
 
             Toolbar {
                 Layout.fillWidth: true
-                Layout.leftMargin: 28
-                Layout.rightMargin: 28
+                Layout.leftMargin: Theme.pageMargin
+                Layout.rightMargin: Theme.pageMargin
                 Layout.topMargin: 22
                 title: NavSection.title(root.selection)
                 accountLabel: sidebarModel.toolbarAccount
                 onOpenSearch: root.selection = NavSection.Search
             }
 
-            Loader {
-                id: section
+            Item {
                 Layout.fillWidth: true
                 Layout.fillHeight: true
-                Layout.margins: 28
+                Layout.margins: Theme.pageMargin
                 Layout.topMargin: 18
-                sourceComponent: {
-                    switch (root.selection) {
-                    case NavSection.Overview: return overviewView
-                    case NavSection.History: return historyView
-                    case NavSection.Champions: return championsView
-                    case NavSection.Rank: return rankView
-                    default: return sectionPlaceholder
+
+                Loader {
+                    id: section
+                    anchors.fill: parent
+                    active: root.sectionView !== null
+                    sourceComponent: root.sectionView
+                }
+
+                // The sections still to come show their symbol and title.
+                Column {
+                    visible: !section.active
+                    anchors.horizontalCenter: parent.horizontalCenter
+                    anchors.top: parent.top
+                    anchors.topMargin: 10
+                    width: Math.min(parent.width, 560)
+                    spacing: 24
+                    Item { width: 1; height: 60 }
+                    EmptyState {
+                        anchors.horizontalCenter: parent.horizontalCenter
+                        icon: NavSection.symbol(root.selection)
+                        title: NavSection.title(root.selection)
+                        message: ""
                     }
                 }
             }
@@ -68,8 +93,8 @@ Item {
         OverviewView {
             appState: AppState
             linkCard: Component { AddAccountCard {} }
-            onOpenGame: id => root.openGame(id)
-            onShowHistory: root.selection = NavSection.History
+            onOpenGame: matchServerId => root.openGame(matchServerId)
+            onShowHistory: root.selection = NavSection.History // qmllint disable unqualified
         }
     }
 
@@ -87,7 +112,7 @@ Item {
         id: historyView
         HistoryView {
             appState: AppState
-            onOpenGame: id => root.openGame(id)
+            onOpenGame: matchServerId => root.openGame(matchServerId)
         }
     }
 
@@ -99,7 +124,7 @@ Item {
 
     Popup {
         id: sheet
-        property var matchServerId: 0
+        property real matchServerId: 0
         parent: Overlay.overlay
         anchors.centerIn: parent
         width: Math.min(940, root.width - 40)
@@ -109,7 +134,7 @@ Item {
         dim: true
         closePolicy: Popup.CloseOnEscape | Popup.CloseOnPressOutside
         Overlay.modal: Rectangle { color: Qt.rgba(0, 0, 0, 0.55) }
-        background: Rectangle { radius: 18; color: Theme.wallBottom; border.width: 1; border.color: Qt.rgba(1, 1, 1, 0.12) }
+        background: Rectangle { radius: Theme.panelRadius; color: Theme.wallBottom; border.width: 1; border.color: Qt.rgba(1, 1, 1, 0.12) }
         contentItem: Item {
             clip: true
             MatchDetailView {
@@ -117,27 +142,6 @@ Item {
                 appState: AppState
                 matchServerId: sheet.matchServerId
                 onCloseRequested: sheet.close()
-            }
-        }
-    }
-
-    Component {
-        id: sectionPlaceholder
-        Item {
-            Column {
-                id: body
-                anchors.horizontalCenter: parent.horizontalCenter
-                anchors.top: parent.top
-                anchors.topMargin: 10
-                width: Math.min(parent.width, 560)
-                spacing: 24
-                Item { width: 1; height: 60 }
-                EmptyState {
-                    anchors.horizontalCenter: parent.horizontalCenter
-                    icon: NavSection.symbol(root.selection)
-                    title: NavSection.title(root.selection)
-                    message: ""
-                }
             }
         }
     }

@@ -5,13 +5,13 @@ import QuillFern.Theme
 // One row of the section list.
 Rectangle {
     id: root
-    property int item: NavSection.Overview
-    property bool isSelected: false
+    required property int item
+    required property bool isSelected
     property bool hovering: area.containsMouse
     signal action()
 
     implicitHeight: 34
-    radius: 9
+    radius: Theme.itemRadius
     color: isSelected ? Qt.rgba(Theme.gold.r, Theme.gold.g, Theme.gold.b, 0.16)
                       : (hovering ? Qt.rgba(1, 1, 1, 0.05) : "transparent")
 
@@ -19,19 +19,18 @@ Rectangle {
         anchors.left: parent.left
         anchors.leftMargin: 10
         anchors.verticalCenter: parent.verticalCenter
-        spacing: 8
+        spacing: Theme.itemSpacing
         Symbol {
             width: 20
             name: NavSection.symbol(root.item)
             size: 14
             color: root.isSelected ? Theme.gold : Theme.textSecondary
         }
-        Text {
+        ThemeText {
+            role: Theme.Body
             anchors.verticalCenter: parent.verticalCenter
             text: NavSection.title(root.item)
             color: root.isSelected ? "white" : Theme.textSecondary
-            font.family: Theme.fontFamily
-            font.pixelSize: 13
             font.weight: root.isSelected ? Font.Bold : Font.Medium
         }
     }

@@ -1,12 +1,13 @@
 import QtQuick
 import QtQuick.Layouts
 import QuillFern.App
+import QuillFern.Session
 import QuillFern.Theme
 
 // The section list with the account card on top and the sync banner at the bottom.
 Item {
     id: root
-    property int selection: NavSection.Overview
+    required property int selection
     required property SidebarModel model
     signal select(int section)
 
@@ -24,7 +25,7 @@ Item {
     ColumnLayout {
         anchors.fill: parent
         anchors.margins: 12
-        spacing: 6
+        spacing: Theme.inlineSpacing
 
         Item { Layout.preferredHeight: 30 - parent.anchors.margins; Layout.fillWidth: true }
 
@@ -32,12 +33,12 @@ Item {
         Rectangle {
             Layout.fillWidth: true
             Layout.preferredHeight: 58
-            radius: 12
+            radius: Theme.buttonRadius
             color: cardArea.containsMouse ? Qt.rgba(1, 1, 1, 0.07) : Qt.rgba(1, 1, 1, 0.04)
             RowLayout {
                 anchors.fill: parent
                 anchors.margins: 10
-                spacing: 10
+                spacing: Theme.controlSpacing
                 SummonerAvatar {
                     size: 38
                     iconId: root.model.avatarIconId
@@ -45,22 +46,19 @@ Item {
                 }
                 ColumnLayout {
                     Layout.fillWidth: true
-                    spacing: 2
-                    Text {
+                    spacing: Theme.lineSpacing
+                    ThemeText {
+                        role: Theme.Body
                         Layout.fillWidth: true
                         text: root.model.accountName
-                        color: Theme.text
-                        font.family: Theme.fontFamily
-                        font.pixelSize: 13
                         font.weight: Font.DemiBold
                         elide: Text.ElideRight
                     }
-                    Text {
+                    ThemeText {
+                        role: Theme.Caption
                         Layout.fillWidth: true
                         text: root.model.rankLine
                         color: Theme.gold
-                        font.family: Theme.fontFamily
-                        font.pixelSize: 11
                         font.weight: Font.Medium
                         elide: Text.ElideRight
                     }
@@ -88,8 +86,8 @@ Item {
                 required property int index
                 Layout.fillWidth: true
                 item: index
-                isSelected: root.selection === index
-                onAction: root.select(index)
+                isSelected: root.selection === index // qmllint disable unqualified
+                onAction: root.select(index) // qmllint disable unqualified
             }
         }
 
@@ -98,9 +96,9 @@ Item {
         // Sync banner.
         ColumnLayout {
             Layout.fillWidth: true
-            spacing: 8
+            spacing: Theme.itemSpacing
             RowLayout {
-                spacing: 8
+                spacing: Theme.itemSpacing
                 Rectangle {
                     width: 7; height: 7; radius: 3.5
                     color: Theme.win
@@ -110,21 +108,19 @@ Item {
                         color: Qt.rgba(Theme.win.r, Theme.win.g, Theme.win.b, 0.25)
                     }
                 }
-                Text {
+                ThemeText {
+                    role: Theme.Footnote
                     text: root.model.archivedText
                     color: "white"
-                    font.family: Theme.fontFamily
-                    font.pixelSize: 12
                     font.weight: Font.Bold
                 }
             }
-            Text {
+            ThemeText {
+                role: Theme.Small
                 Layout.fillWidth: true
                 visible: AppState.lcuStatus.length > 0
                 text: AppState.lcuStatus
                 color: Theme.textDim
-                font.family: Theme.fontFamily
-                font.pixelSize: 10
                 elide: Text.ElideRight
             }
             Rectangle {
@@ -134,7 +130,7 @@ Item {
                 color: Qt.rgba(Theme.gold.r, Theme.gold.g, Theme.gold.b, syncArea.containsMouse && !AppState.isSyncing ? 0.24 : 0.16)
                 Row {
                     anchors.centerIn: parent
-                    spacing: 6
+                    spacing: Theme.inlineSpacing
                     Symbol {
                         id: syncSymbol
                         name: "arrow.clockwise"
@@ -171,12 +167,11 @@ Item {
                             function onIsSyncingChanged() { syncSymbol.follow() }
                         }
                     }
-                    Text {
+                    ThemeText {
+                        role: Theme.Caption
                         anchors.verticalCenter: parent.verticalCenter
                         text: root.model.syncLabel
                         color: Theme.goldBright
-                        font.family: Theme.fontFamily
-                        font.pixelSize: 11
                         font.weight: Font.DemiBold
                     }
                 }

@@ -15,7 +15,7 @@ Window {
     minimumHeight: 280
     visible: true
     title: "Quill Fern"
-    color: "#0C0A18"
+    color: Theme.wallBottom
 
     Wallpaper { anchors.fill: parent }
 
@@ -25,21 +25,19 @@ Window {
         padding: 24
         ColumnLayout {
             width: parent.width
-            spacing: 14
+            spacing: Theme.blockSpacing
             Symbol {
                 Layout.alignment: Qt.AlignHCenter
                 name: "exclamationmark.triangle.fill"
                 size: 34
                 color: Theme.gold
             }
-            Text {
+            ThemeText {
+                role: Theme.Callout
                 Layout.fillWidth: true
                 text: root.message
                 wrapMode: Text.Wrap
                 horizontalAlignment: Text.AlignHCenter
-                color: Theme.text
-                font.family: Theme.fontFamily
-                font.pixelSize: 14
                 font.weight: Font.DemiBold
             }
             Rectangle {
@@ -47,14 +45,13 @@ Window {
                 Layout.topMargin: 4
                 implicitWidth: 140
                 implicitHeight: 40
-                radius: 12
+                radius: Theme.buttonRadius
                 color: Theme.gold
-                Text {
+                ThemeText {
+                    role: Theme.Callout
                     anchors.centerIn: parent
                     text: "Quit"
-                    color: "#1A1530"
-                    font.family: Theme.fontFamily
-                    font.pixelSize: 14
+                    color: Theme.textOnGold
                     font.weight: Font.Bold
                 }
                 MouseArea {

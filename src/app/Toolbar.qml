@@ -1,16 +1,15 @@
 import QtQuick
 import QtQuick.Layouts
-import QuillFern.App
 import QuillFern.Theme
 
 // The title of the section, a shortcut to the player search, and the account chip.
 RowLayout {
     id: root
-    property string title
-    property string accountLabel
+    required property string title
+    required property string accountLabel
     signal openSearch()
 
-    spacing: 12
+    spacing: Theme.cardSpacing
     implicitHeight: 56
 
     DisplayTitle {
@@ -20,19 +19,18 @@ RowLayout {
     Item {
         Layout.preferredWidth: 180
         Layout.preferredHeight: 34
-        GlassBackground { anchors.fill: parent; cornerRadius: 10 }
+        GlassBackground { anchors.fill: parent; cornerRadius: Theme.controlRadius }
         Row {
             anchors.left: parent.left
             anchors.leftMargin: 12
             anchors.verticalCenter: parent.verticalCenter
-            spacing: 8
+            spacing: Theme.itemSpacing
             Symbol { name: "magnifyingglass"; size: 15; color: Theme.textDim }
-            Text {
+            ThemeText {
+                role: Theme.Footnote
                 anchors.verticalCenter: parent.verticalCenter
                 text: "Search summoner…"
                 color: Theme.textDim
-                font.family: Theme.fontFamily
-                font.pixelSize: 12
             }
         }
         MouseArea {
@@ -54,16 +52,14 @@ RowLayout {
             size: 16
             color: Theme.gold
         }
-        Text {
+        ThemeText {
             id: chipLabel
+            role: Theme.Footnote
             anchors.left: chipSymbol.right
             anchors.leftMargin: 6
             anchors.verticalCenter: parent.verticalCenter
             width: Math.min(implicitWidth, 170)
             text: root.accountLabel
-            color: Theme.text
-            font.family: Theme.fontFamily
-            font.pixelSize: 12
             font.weight: Font.Medium
             elide: Text.ElideRight
         }

@@ -1,4 +1,4 @@
-#include "app/app_state.h"
+#include "session/app_state.h"
 #include "archive/archive_store.h"
 #include "archive/store_error.h"
 #include "theme/fonts.h"
@@ -17,6 +17,7 @@
 
 Q_IMPORT_QML_PLUGIN(QuillFern_AppPlugin)
 Q_IMPORT_QML_PLUGIN(QuillFern_ThemePlugin)
+Q_IMPORT_QML_PLUGIN(QuillFern_SessionPlugin)
 Q_IMPORT_QML_PLUGIN(QuillFern_ScreensPlugin)
 
 namespace {
@@ -57,10 +58,11 @@ int main(int argc, char* argv[]) {
     AppState state(settings, *network);
     AppState::exposeToQml(&state);
 
-    GameImages images(state.ddragon());
-    images.setVersion(state.staticVersion());
-    QObject::connect(&state, &AppState::staticVersionChanged, &images,
-                     [&images, &state] { images.setVersion(state.staticVersion()); });
+    StaticData& staticData = state.staticData();
+    GameImages images(staticData.dataDragon());
+    images.setVersion(staticData.version());
+    QObject::connect(&staticData, &StaticData::versionChanged, &images,
+                     [&images, &staticData] { images.setVersion(staticData.version()); });
     GameImages::exposeToQml(&images);
 
     ImageCacheFactory imageCache;

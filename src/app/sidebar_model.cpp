@@ -1,6 +1,6 @@
 #include "app/sidebar_model.h"
 
-#include "app/app_state.h"
+#include "session/app_state.h"
 #include "archive/archive_store.h"
 #include "game_data/rank_math.h"
 #include "game_data/stats.h"
@@ -20,18 +20,18 @@ QString SidebarModel::syncLabel() const {
     return appState() && appState()->isSyncing() ? QStringLiteral("Syncing…") : QStringLiteral("Sync now");
 }
 
-QString SidebarModel::accountNameOf(const QList<RiotAccountDTO>& accounts) {
+QString SidebarModel::accountNameOf(const QList<RiotAccountDto>& accounts) {
     const QString riotId = accounts.isEmpty() ? QString() : accounts.first().riotId();
     return riotId.isEmpty() ? QStringLiteral("Summoner") : riotId;
 }
 
-QString SidebarModel::toolbarAccountOf(const QList<RiotAccountDTO>& accounts) {
+QString SidebarModel::toolbarAccountOf(const QList<RiotAccountDto>& accounts) {
     return accounts.isEmpty() ? QStringLiteral("Account") : accounts.first().riotId();
 }
 
-QSet<QString> SidebarModel::ownersOf(const QList<RiotAccountDTO>& accounts) {
+QSet<QString> SidebarModel::ownersOf(const QList<RiotAccountDto>& accounts) {
     QSet<QString> owners;
-    for (const RiotAccountDTO& account : accounts)
+    for (const RiotAccountDto& account : accounts)
         owners.insert(account.puuid);
     return owners;
 }
@@ -58,7 +58,7 @@ QString SidebarModel::rankLineOf(const LocalRankSnapshot* solo) {
 }
 
 void SidebarModel::recompute() {
-    const QList<RiotAccountDTO> accounts = appState() ? appState()->riotAccounts() : QList<RiotAccountDTO>();
+    const QList<RiotAccountDto> accounts = appState() ? appState()->riotAccounts() : QList<RiotAccountDto>();
     m_accountName = accountNameOf(accounts);
     m_toolbarAccount = toolbarAccountOf(accounts);
     m_hasAccounts = !accounts.isEmpty();

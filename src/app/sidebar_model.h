@@ -12,7 +12,7 @@
 #include <optional>
 #include <vector>
 
-#include "app/screen_model.h"
+#include "session/screen_model.h"
 
 // What the sidebar and the toolbar show about the player: the account card (name, rank line,
 // picture) and the archive count. Recomputed whenever the store or the accounts change.
@@ -46,12 +46,12 @@ public:
     [[nodiscard]] QString syncLabel() const;
 
     // The pieces, each a pure function of what it reads.
-    [[nodiscard]] static QString accountNameOf(const QList<RiotAccountDTO>& accounts);
-    [[nodiscard]] static QString toolbarAccountOf(const QList<RiotAccountDTO>& accounts);
+    [[nodiscard]] static QString accountNameOf(const QList<RiotAccountDto>& accounts);
+    [[nodiscard]] static QString toolbarAccountOf(const QList<RiotAccountDto>& accounts);
     // The newest solo-queue snapshot; failing that, the newest of any queue.
     [[nodiscard]] static const LocalRankSnapshot* soloOf(const std::vector<const LocalRankSnapshot*>& snapshots);
     [[nodiscard]] static QString rankLineOf(const LocalRankSnapshot* solo);
-    [[nodiscard]] static QSet<QString> ownersOf(const QList<RiotAccountDTO>& accounts);
+    [[nodiscard]] static QSet<QString> ownersOf(const QList<RiotAccountDto>& accounts);
 
 Q_SIGNALS:
     void changed();

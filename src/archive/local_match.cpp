@@ -2,11 +2,11 @@
 
 #include "backend/backend_date.h"
 
-LocalMatch::LocalMatch(const MatchDTO& dto) : serverId(dto.id) {
+LocalMatch::LocalMatch(const MatchDto& dto) : serverId(dto.id) {
     update(dto);
 }
 
-void LocalMatch::update(const MatchDTO& dto) {
+void LocalMatch::update(const MatchDto& dto) {
     matchId = dto.matchId;
     platform = dto.platform;
     queueId = dto.queueId;

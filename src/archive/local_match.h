@@ -21,6 +21,6 @@ struct LocalMatch {
     std::optional<qint64> season;
 
     LocalMatch() = default;
-    explicit LocalMatch(const MatchDTO& dto);
-    void update(const MatchDTO& dto);
+    explicit LocalMatch(const MatchDto& dto);
+    void update(const MatchDto& dto);
 };

@@ -1,10 +1,10 @@
 #include "archive/local_participant.h"
 
-LocalParticipant::LocalParticipant(const ParticipantDTO& dto) : serverId(dto.id) {
+LocalParticipant::LocalParticipant(const ParticipantDto& dto) : serverId(dto.id) {
     update(dto);
 }
 
-void LocalParticipant::update(const ParticipantDTO& dto) {
+void LocalParticipant::update(const ParticipantDto& dto) {
     matchServerId = dto.matchId;
     puuid = dto.puuid;
     riotIdGameName = dto.riotIdGameName;

@@ -43,8 +43,8 @@ struct alignas(64) LocalParticipant {
     std::optional<qint64> rankLp;
 
     LocalParticipant() = default;
-    explicit LocalParticipant(const ParticipantDTO& dto);
-    void update(const ParticipantDTO& dto);
+    explicit LocalParticipant(const ParticipantDto& dto);
+    void update(const ParticipantDto& dto);
 
     // The Riot ID name when known, else the start of the player's id.
     [[nodiscard]] QString displayName() const;

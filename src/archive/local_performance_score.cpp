@@ -37,16 +37,16 @@ QString componentsText(const QMap<QString, double>& components) {
 
 } // namespace
 
-LocalPerformanceScore::LocalPerformanceScore(const PerformanceScoreDTO& dto) : serverId(dto.id) {
+LocalPerformanceScore::LocalPerformanceScore(const PerformanceScoreDto& dto) : serverId(dto.id) {
     update(dto);
 }
 
-void LocalPerformanceScore::update(const PerformanceScoreDTO& dto) {
+void LocalPerformanceScore::update(const PerformanceScoreDto& dto) {
     riotAccountId = dto.riotAccountId;
     matchServerId = dto.matchId;
     championId = dto.championId;
     teamPosition = dto.teamPosition;
     score = dto.score;
     baselineKind = dto.baselineKind;
-    componentsJSON = componentsText(dto.components);
+    componentsJson = componentsText(dto.components);
 }

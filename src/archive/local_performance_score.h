@@ -14,10 +14,10 @@ struct LocalPerformanceScore {
     qint64 championId = 0;
     std::optional<QString> teamPosition;
     double score = 0;
-    QString componentsJSON = QStringLiteral("{}");
+    QString componentsJson = QStringLiteral("{}");
     QString baselineKind = QStringLiteral("self");
 
     LocalPerformanceScore() = default;
-    explicit LocalPerformanceScore(const PerformanceScoreDTO& dto);
-    void update(const PerformanceScoreDTO& dto);
+    explicit LocalPerformanceScore(const PerformanceScoreDto& dto);
+    void update(const PerformanceScoreDto& dto);
 };

@@ -2,11 +2,11 @@
 
 #include "backend/backend_date.h"
 
-LocalRankSnapshot::LocalRankSnapshot(const RankSnapshotDTO& dto) : serverId(dto.id) {
+LocalRankSnapshot::LocalRankSnapshot(const RankSnapshotDto& dto) : serverId(dto.id) {
     update(dto);
 }
 
-void LocalRankSnapshot::update(const RankSnapshotDTO& dto) {
+void LocalRankSnapshot::update(const RankSnapshotDto& dto) {
     riotAccountId = dto.riotAccountId;
     queue = dto.queue;
     tier = dto.tier;

@@ -20,6 +20,6 @@ struct LocalRankSnapshot {
     std::optional<QDateTime> capturedAt;
 
     LocalRankSnapshot() = default;
-    explicit LocalRankSnapshot(const RankSnapshotDTO& dto);
-    void update(const RankSnapshotDTO& dto);
+    explicit LocalRankSnapshot(const RankSnapshotDto& dto);
+    void update(const RankSnapshotDto& dto);
 };

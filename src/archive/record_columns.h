@@ -82,7 +82,7 @@ template <> struct RecordColumns<LocalPerformanceScore> {
         v("champion_id", s.championId);
         v("team_position", s.teamPosition);
         v("score", s.score);
-        v("components_json", s.componentsJSON);
+        v("components_json", s.componentsJson);
         v("baseline_kind", s.baselineKind);
     }
 };

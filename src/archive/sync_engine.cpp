@@ -7,8 +7,8 @@
 #include <unordered_map>
 #include <unordered_set>
 
-SyncEngine::SyncEngine(ArchiveStore& context, BackendClient& client, QSettings& settings)
-    : m_context(context), m_client(client), m_settings(settings) {}
+SyncEngine::SyncEngine(ArchiveStore& store, BackendClient& client, QSettings& settings)
+    : m_store(store), m_client(client), m_settings(settings) {}
 
 QCoro::Task<int> SyncEngine::pull() {
     migrateMirrorIfNeeded();
@@ -26,7 +26,7 @@ QCoro::Task<int> SyncEngine::pull() {
         upsertParticipants(response.participants);
         upsertRankSnapshots(response.rankSnapshots);
         upsertScores(response.performanceScores);
-        m_context.save();
+        m_store.save();
         total += static_cast<int>(response.matches.size());
 
         // Only now that the page is on disk may the cursor move past it.
@@ -43,12 +43,12 @@ QCoro::Task<int> SyncEngine::pull() {
 void SyncEngine::migrateMirrorIfNeeded() {
     if (m_settings.value(QLatin1String(mirrorVersionKey), 0).toInt() >= mirrorVersion)
         return;
-    m_context.matches().removeAll();
-    m_context.participants().removeAll();
-    m_context.rankSnapshots().removeAll();
-    m_context.performanceScores().removeAll();
+    m_store.matches().removeAll();
+    m_store.participants().removeAll();
+    m_store.rankSnapshots().removeAll();
+    m_store.performanceScores().removeAll();
     try {
-        m_context.save();
+        m_store.save();
     } catch (const std::exception&) {
         // The old mirror is rebuilt from the first page either way; a stale row that could not
         // be deleted now is overwritten or deleted by a later save.
@@ -60,7 +60,7 @@ void SyncEngine::migrateMirrorIfNeeded() {
 template <class Record, class Dto> void SyncEngine::upsertByServerId(const QList<Dto>& records) {
     if (records.isEmpty())
         return;
-    RecordTable<Record>& table = m_context.table<Record>();
+    RecordTable<Record>& table = m_store.table<Record>();
     std::unordered_set<qint64> ids;
     ids.reserve(records.size());
     for (const Dto& dto : records)
@@ -82,28 +82,28 @@ template <class Record, class Dto> void SyncEngine::upsertByServerId(const QList
     }
 }
 
-void SyncEngine::upsertMatches(const QList<MatchDTO>& matches) {
+void SyncEngine::upsertMatches(const QList<MatchDto>& matches) {
     upsertByServerId<LocalMatch>(matches);
 }
 
-void SyncEngine::upsertRankSnapshots(const QList<RankSnapshotDTO>& snapshots) {
+void SyncEngine::upsertRankSnapshots(const QList<RankSnapshotDto>& snapshots) {
     upsertByServerId<LocalRankSnapshot>(snapshots);
 }
 
-void SyncEngine::upsertScores(const QList<PerformanceScoreDTO>& scores) {
+void SyncEngine::upsertScores(const QList<PerformanceScoreDto>& scores) {
     upsertByServerId<LocalPerformanceScore>(scores);
 }
 
-void SyncEngine::upsertParticipants(const QList<ParticipantDTO>& participants) {
+void SyncEngine::upsertParticipants(const QList<ParticipantDto>& participants) {
     if (participants.isEmpty())
         return;
-    RecordTable<LocalParticipant>& table = m_context.participants();
+    RecordTable<LocalParticipant>& table = m_store.participants();
     std::unordered_set<qint64> games;
-    for (const ParticipantDTO& dto : participants)
+    for (const ParticipantDto& dto : participants)
         games.insert(dto.matchId);
     for (qint64 game : games)
         for (LocalParticipant* stored : table.withMatchServerId(game))
             table.remove(stored);
-    for (const ParticipantDTO& dto : participants)
+    for (const ParticipantDto& dto : participants)
         table.insert(std::make_unique<LocalParticipant>(dto));
 }

@@ -18,7 +18,7 @@ public:
     static constexpr const char* cursorKey = "quill.syncCursor";
     static constexpr const char* mirrorVersionKey = "quill.mirrorVersion";
 
-    SyncEngine(ArchiveStore& context, BackendClient& client, QSettings& settings);
+    SyncEngine(ArchiveStore& store, BackendClient& client, QSettings& settings);
 
     // Pulls every page the backend has after the stored cursor and returns how many match
     // records arrived. Throws BackendError or StoreError; pages saved before stay saved.
@@ -26,13 +26,13 @@ public:
 
 private:
     void migrateMirrorIfNeeded();
-    void upsertMatches(const QList<MatchDTO>& matches);
-    void upsertParticipants(const QList<ParticipantDTO>& participants);
-    void upsertRankSnapshots(const QList<RankSnapshotDTO>& snapshots);
-    void upsertScores(const QList<PerformanceScoreDTO>& scores);
+    void upsertMatches(const QList<MatchDto>& matches);
+    void upsertParticipants(const QList<ParticipantDto>& participants);
+    void upsertRankSnapshots(const QList<RankSnapshotDto>& snapshots);
+    void upsertScores(const QList<PerformanceScoreDto>& scores);
     template <class Record, class Dto> void upsertByServerId(const QList<Dto>& records);
 
-    ArchiveStore& m_context;
+    ArchiveStore& m_store;
     BackendClient& m_client;
     QSettings& m_settings;
 };

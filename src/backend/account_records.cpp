@@ -2,15 +2,15 @@
 
 #include <QStringList>
 
-UserDTO UserDTO::decode(const JsonReader& in) {
+UserDto UserDto::decode(const JsonReader& in) {
     return {in.integer("id"), in.text("email"), in.optText("name")};
 }
 
 AuthResponse AuthResponse::decode(const JsonReader& in) {
-    return {in.text("token"), in.record<UserDTO>("user")};
+    return {in.text("token"), in.record<UserDto>("user")};
 }
 
-QString RiotAccountDTO::riotId() const {
+QString RiotAccountDto::riotId() const {
     QStringList parts;
     if (gameName)
         parts << *gameName;
@@ -19,8 +19,8 @@ QString RiotAccountDTO::riotId() const {
     return parts.join(QLatin1Char('#'));
 }
 
-RiotAccountDTO RiotAccountDTO::decode(const JsonReader& in) {
-    RiotAccountDTO a;
+RiotAccountDto RiotAccountDto::decode(const JsonReader& in) {
+    RiotAccountDto a;
     a.id = in.integer("id");
     a.puuid = in.text("puuid");
     a.gameName = in.optText("gameName");
@@ -34,9 +34,9 @@ RiotAccountDTO RiotAccountDTO::decode(const JsonReader& in) {
 }
 
 RiotAccountsResponse RiotAccountsResponse::decode(const JsonReader& in) {
-    return {in.records<RiotAccountDTO>("riotAccounts")};
+    return {in.records<RiotAccountDto>("riotAccounts")};
 }
 
 RiotAccountResponse RiotAccountResponse::decode(const JsonReader& in) {
-    return {in.record<RiotAccountDTO>("riotAccount")};
+    return {in.record<RiotAccountDto>("riotAccount")};
 }

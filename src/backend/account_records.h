@@ -8,22 +8,22 @@
 
 // Answers of the account and sign-in endpoints. Decode-only.
 
-struct UserDTO {
+struct UserDto {
     qint64 id = 0;
     QString email;
     std::optional<QString> name;
 
-    static UserDTO decode(const JsonReader& in);
+    static UserDto decode(const JsonReader& in);
 };
 
 struct AuthResponse {
     QString token;
-    UserDTO user;
+    UserDto user;
 
     static AuthResponse decode(const JsonReader& in);
 };
 
-struct RiotAccountDTO {
+struct RiotAccountDto {
     qint64 id = 0;
     QString puuid;
     std::optional<QString> gameName;
@@ -37,17 +37,17 @@ struct RiotAccountDTO {
     // The present parts of name and tag joined with "#"; empty when neither is known.
     [[nodiscard]] QString riotId() const;
 
-    static RiotAccountDTO decode(const JsonReader& in);
+    static RiotAccountDto decode(const JsonReader& in);
 };
 
 struct RiotAccountsResponse {
-    QList<RiotAccountDTO> riotAccounts;
+    QList<RiotAccountDto> riotAccounts;
 
     static RiotAccountsResponse decode(const JsonReader& in);
 };
 
 struct RiotAccountResponse {
-    RiotAccountDTO riotAccount;
+    RiotAccountDto riotAccount;
 
     static RiotAccountResponse decode(const JsonReader& in);
 };

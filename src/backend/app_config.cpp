@@ -4,14 +4,14 @@
 
 namespace AppConfig {
 
-QUrl backendBaseURL(const QSettings& settings) {
-    const QVariant stored = settings.value(QLatin1String(backendBaseURLKey));
+QUrl backendBaseUrl(const QSettings& settings) {
+    const QVariant stored = settings.value(QLatin1String(backendBaseUrlKey));
     if (stored.isValid()) {
         const QUrl url(stored.toString().trimmed(), QUrl::StrictMode);
         if (url.isValid() && !url.scheme().isEmpty() && !url.host().isEmpty())
             return url;
     }
-    const QUrl fallback(QLatin1String(defaultBackendBaseURL), QUrl::StrictMode);
+    const QUrl fallback(QLatin1String(defaultBackendBaseUrl), QUrl::StrictMode);
     Q_ASSERT(fallback.isValid());
     return fallback;
 }

@@ -1,7 +1,7 @@
 #include "backend/archive_records.h"
 
-MatchDTO MatchDTO::decode(const JsonReader& in) {
-    MatchDTO m;
+MatchDto MatchDto::decode(const JsonReader& in) {
+    MatchDto m;
     m.id = in.integer("id");
     m.matchId = in.text("matchId");
     m.platform = in.text("platform");
@@ -16,8 +16,8 @@ MatchDTO MatchDTO::decode(const JsonReader& in) {
     return m;
 }
 
-ParticipantDTO ParticipantDTO::decode(const JsonReader& in) {
-    ParticipantDTO p;
+ParticipantDto ParticipantDto::decode(const JsonReader& in) {
+    ParticipantDto p;
     p.id = in.integer("id");
     p.matchId = in.integer("matchId");
     p.puuid = in.text("puuid");
@@ -46,8 +46,8 @@ ParticipantDTO ParticipantDTO::decode(const JsonReader& in) {
     return p;
 }
 
-RankSnapshotDTO RankSnapshotDTO::decode(const JsonReader& in) {
-    RankSnapshotDTO r;
+RankSnapshotDto RankSnapshotDto::decode(const JsonReader& in) {
+    RankSnapshotDto r;
     r.id = in.integer("id");
     r.riotAccountId = in.integer("riotAccountId");
     r.queue = in.text("queue");
@@ -60,8 +60,8 @@ RankSnapshotDTO RankSnapshotDTO::decode(const JsonReader& in) {
     return r;
 }
 
-PerformanceScoreDTO PerformanceScoreDTO::decode(const JsonReader& in) {
-    PerformanceScoreDTO s;
+PerformanceScoreDto PerformanceScoreDto::decode(const JsonReader& in) {
+    PerformanceScoreDto s;
     s.id = in.integer("id");
     s.riotAccountId = in.integer("riotAccountId");
     s.matchId = in.integer("matchId");
@@ -75,10 +75,10 @@ PerformanceScoreDTO PerformanceScoreDTO::decode(const JsonReader& in) {
 
 SyncResponse SyncResponse::decode(const JsonReader& in) {
     SyncResponse r;
-    r.matches = in.records<MatchDTO>("matches");
-    r.participants = in.records<ParticipantDTO>("participants");
-    r.rankSnapshots = in.records<RankSnapshotDTO>("rankSnapshots");
-    r.performanceScores = in.records<PerformanceScoreDTO>("performanceScores");
+    r.matches = in.records<MatchDto>("matches");
+    r.participants = in.records<ParticipantDto>("participants");
+    r.rankSnapshots = in.records<RankSnapshotDto>("rankSnapshots");
+    r.performanceScores = in.records<PerformanceScoreDto>("performanceScores");
     r.nextCursor = in.optText("nextCursor");
     r.hasMore = in.flag("hasMore");
     return r;

@@ -11,7 +11,7 @@
 // Records of the archive pull, the client-game upload and the static-data version.
 // Decode-only; timestamps stay text and are read by whoever uses them.
 
-struct MatchDTO {
+struct MatchDto {
     qint64 id = 0;
     QString matchId;
     QString platform;
@@ -24,10 +24,10 @@ struct MatchDTO {
     std::optional<qint64> season;
     std::optional<QString> updatedAt;
 
-    static MatchDTO decode(const JsonReader& in);
+    static MatchDto decode(const JsonReader& in);
 };
 
-struct ParticipantDTO {
+struct ParticipantDto {
     qint64 id = 0;
     qint64 matchId = 0;
     QString puuid;
@@ -54,10 +54,10 @@ struct ParticipantDTO {
     std::optional<QString> rankDivision;
     std::optional<qint64> rankLp;
 
-    static ParticipantDTO decode(const JsonReader& in);
+    static ParticipantDto decode(const JsonReader& in);
 };
 
-struct RankSnapshotDTO {
+struct RankSnapshotDto {
     qint64 id = 0;
     qint64 riotAccountId = 0;
     QString queue;
@@ -68,10 +68,10 @@ struct RankSnapshotDTO {
     qint64 losses = 0;
     std::optional<QString> capturedAt;
 
-    static RankSnapshotDTO decode(const JsonReader& in);
+    static RankSnapshotDto decode(const JsonReader& in);
 };
 
-struct PerformanceScoreDTO {
+struct PerformanceScoreDto {
     qint64 id = 0;
     qint64 riotAccountId = 0;
     qint64 matchId = 0;
@@ -81,14 +81,14 @@ struct PerformanceScoreDTO {
     QMap<QString, double> components;
     QString baselineKind;
 
-    static PerformanceScoreDTO decode(const JsonReader& in);
+    static PerformanceScoreDto decode(const JsonReader& in);
 };
 
 struct SyncResponse {
-    QList<MatchDTO> matches;
-    QList<ParticipantDTO> participants;
-    QList<RankSnapshotDTO> rankSnapshots;
-    QList<PerformanceScoreDTO> performanceScores;
+    QList<MatchDto> matches;
+    QList<ParticipantDto> participants;
+    QList<RankSnapshotDto> rankSnapshots;
+    QList<PerformanceScoreDto> performanceScores;
     std::optional<QString> nextCursor;
     bool hasMore = false;
 

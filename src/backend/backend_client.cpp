@@ -35,8 +35,8 @@ std::optional<QString> utf8Text(const QByteArray& bytes) {
 
 } // namespace
 
-BackendClient::BackendClient(QNetworkAccessManager& network, QUrl baseURL)
-    : m_network(network), m_baseURL(std::move(baseURL)) {}
+BackendClient::BackendClient(QNetworkAccessManager& network, QUrl baseUrl)
+    : m_network(network), m_baseUrl(std::move(baseUrl)) {}
 
 template <class Record> QCoro::Task<Record> BackendClient::request(Call call) {
     const QByteArray body = co_await send(std::move(call));
@@ -48,7 +48,7 @@ template <class Record> QCoro::Task<Record> BackendClient::request(Call call) {
 }
 
 QCoro::Task<QByteArray> BackendClient::send(Call call) {
-    QNetworkRequest request(BackendUrl::build(m_baseURL, call.path, call.query));
+    QNetworkRequest request(BackendUrl::build(m_baseUrl, call.path, call.query));
     request.setTransferTimeout(requestTimeoutMs);
     request.setRawHeader("Accept", "application/json");
     QByteArray payload;
@@ -107,7 +107,7 @@ QCoro::Task<RiotAccountsResponse> BackendClient::riotAccounts() {
     return request<RiotAccountsResponse>(Call{"GET", QStringLiteral("riot-accounts"), {}, {}, true});
 }
 
-QCoro::Task<RiotAccountDTO> BackendClient::addRiotAccount(QString riotId, QString platform) {
+QCoro::Task<RiotAccountDto> BackendClient::addRiotAccount(QString riotId, QString platform) {
     QJsonObject body{{QStringLiteral("riot_id"), riotId}, {QStringLiteral("platform"), platform}};
     // GCC 12 destroys a braced temporary inside a co_await twice: build the call first.
     Call call{"POST", QStringLiteral("riot-accounts"), {}, body, true};

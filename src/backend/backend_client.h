@@ -18,11 +18,11 @@ class QNetworkAccessManager;
 // failure arrives as a BackendError. Requests suspend on the calling (main) thread's loop.
 class BackendClient {
 public:
-    BackendClient(QNetworkAccessManager& network, QUrl baseURL);
+    BackendClient(QNetworkAccessManager& network, QUrl baseUrl);
 
     [[nodiscard]] const std::optional<QString>& authToken() const { return m_authToken; }
     void setAuthToken(std::optional<QString> token) { m_authToken = std::move(token); }
-    [[nodiscard]] const QUrl& baseURL() const { return m_baseURL; }
+    [[nodiscard]] const QUrl& baseUrl() const { return m_baseUrl; }
 
     // Accounts and sign-in.
     QCoro::Task<AuthResponse> registerAccount(QString email, QString password, std::optional<QString> name);
@@ -30,7 +30,7 @@ public:
     QCoro::Task<AuthResponse> leagueLogin(QString puuid, QString platform, std::optional<QString> gameName,
                                           std::optional<QString> tagLine);
     QCoro::Task<RiotAccountsResponse> riotAccounts();
-    QCoro::Task<RiotAccountDTO> addRiotAccount(QString riotId, QString platform);
+    QCoro::Task<RiotAccountDto> addRiotAccount(QString riotId, QString platform);
     QCoro::Task<RiotAccountsResponse> refreshRiotAccounts();
 
     // Archive.
@@ -55,6 +55,6 @@ private:
     QCoro::Task<QByteArray> send(Call call);
 
     QNetworkAccessManager& m_network;
-    QUrl m_baseURL;
+    QUrl m_baseUrl;
     std::optional<QString> m_authToken;
 };

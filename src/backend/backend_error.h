@@ -1,6 +1,6 @@
 #pragma once
 
-#include "backend/user_facing_error.h"
+#include "core/user_facing_error.h"
 
 #include <QString>
 #include <optional>

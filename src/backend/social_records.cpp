@@ -1,7 +1,7 @@
 #include "backend/social_records.h"
 
-DuoDTO DuoDTO::decode(const JsonReader& in) {
-    DuoDTO d;
+DuoDto DuoDto::decode(const JsonReader& in) {
+    DuoDto d;
     d.puuid = in.text("puuid");
     d.riotId = in.optText("riotId");
     d.games = in.integer("games");
@@ -15,5 +15,5 @@ DuoDTO DuoDTO::decode(const JsonReader& in) {
 }
 
 DuosResponse DuosResponse::decode(const JsonReader& in) {
-    return {in.records<DuoDTO>("duos")};
+    return {in.records<DuoDto>("duos")};
 }

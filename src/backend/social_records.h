@@ -8,7 +8,7 @@
 
 // Answers of the social endpoints. Decode-only.
 
-struct DuoDTO {
+struct DuoDto {
     QString puuid;
     std::optional<QString> riotId;
     qint64 games = 0;
@@ -19,11 +19,11 @@ struct DuoDTO {
     std::optional<QString> rank;
     std::optional<qint64> profileIconId;
 
-    static DuoDTO decode(const JsonReader& in);
+    static DuoDto decode(const JsonReader& in);
 };
 
 struct DuosResponse {
-    QList<DuoDTO> duos;
+    QList<DuoDto> duos;
 
     static DuosResponse decode(const JsonReader& in);
 };

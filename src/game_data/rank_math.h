@@ -15,7 +15,7 @@ inline const QStringList divisions = {QStringLiteral("IV"), QStringLiteral("III"
 inline constexpr int firstTierWithoutDivisions = 7;
 
 // A standing on one continuous scale (400 per tier, 100 per division); none for an unknown tier.
-[[nodiscard]] std::optional<qint64> absoluteLP(const std::optional<QString>& tier, const std::optional<QString>& division,
+[[nodiscard]] std::optional<qint64> absoluteLp(const std::optional<QString>& tier, const std::optional<QString>& division,
                                                qint64 lp);
 // "Gold II", "Master", "Unranked".
 [[nodiscard]] QString label(const std::optional<QString>& tier, const std::optional<QString>& division);

@@ -6,7 +6,7 @@
 #include <QSettings>
 #include <algorithm>
 
-ClientImport::ClientImport(LCUClient& lcu, BackendClient& backend, QSettings& settings)
+ClientImport::ClientImport(LcuClient& lcu, BackendClient& backend, QSettings& settings)
     : m_lcu(lcu), m_backend(backend), m_settings(settings) {}
 
 QSet<QString> ClientImport::processedIds() const {
@@ -25,7 +25,7 @@ QCoro::Task<QString> ClientImport::run() {
         co_return QStringLiteral("client offline");
 
     QSet<QString> processed = processedIds();
-    LCUClient::FullGames fresh;
+    LcuClient::FullGames fresh;
     try {
         fresh = co_await m_lcu.recentFullGames(newGamesPerImport, processed);
     } catch (const UserFacingError& error) {

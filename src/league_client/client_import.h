@@ -16,7 +16,7 @@ public:
     static constexpr int ingestBatchSize = 100;
     static constexpr const char* processedIdsKey = "quill.lcuProcessedGameIds";
 
-    ClientImport(LCUClient& lcu, BackendClient& backend, QSettings& settings);
+    ClientImport(LcuClient& lcu, BackendClient& backend, QSettings& settings);
 
     // Runs one import to its end and returns its status line; never throws.
     QCoro::Task<QString> run();
@@ -25,7 +25,7 @@ private:
     [[nodiscard]] QSet<QString> processedIds() const;
     void rememberProcessed(QSet<QString> ids);
 
-    LCUClient& m_lcu;
+    LcuClient& m_lcu;
     BackendClient& m_backend;
     QSettings& m_settings;
 };

@@ -8,7 +8,7 @@
 #include <QJsonParseError>
 #include <cmath>
 
-namespace LCUAnswers {
+namespace LcuAnswers {
 
 namespace {
 
@@ -32,10 +32,10 @@ std::optional<QString> nonEmptyText(const QJsonObject& object, QLatin1StringView
 CurrentSummoner readCurrentSummoner(const QByteArray& body) {
     const std::optional<QJsonObject> object = parseObject(body);
     if (!object)
-        throw LCUError::decode();
+        throw LcuError::decode();
     std::optional<QString> puuid = nonEmptyText(*object, QLatin1StringView("puuid"));
     if (!puuid)
-        throw LCUError::decode();
+        throw LcuError::decode();
     return CurrentSummoner{*puuid, nonEmptyText(*object, QLatin1StringView("gameName")),
                            nonEmptyText(*object, QLatin1StringView("tagLine"))};
 }
@@ -105,4 +105,4 @@ std::optional<QString> gameId(const QJsonObject& game) {
     return QString::number(static_cast<qint64>(std::trunc(real)));
 }
 
-} // namespace LCUAnswers
+} // namespace LcuAnswers

@@ -10,7 +10,7 @@
 
 // Readers for the League client's answers. The client's JSON is untyped and changes between
 // patches, so each reader takes only what it needs and treats anything else as absent.
-namespace LCUAnswers {
+namespace LcuAnswers {
 
 // The identity the client is signed in with.
 struct CurrentSummoner {
@@ -19,7 +19,7 @@ struct CurrentSummoner {
     std::optional<QString> tagLine;
 };
 
-// Throws LCUError::decode() when the answer has no usable "puuid".
+// Throws LcuError::decode() when the answer has no usable "puuid".
 [[nodiscard]] CurrentSummoner readCurrentSummoner(const QByteArray& body);
 
 // The client's region codes (upper case) to the platform ids the backend knows.
@@ -37,4 +37,4 @@ struct CurrentSummoner {
 // that is not a number, not finite or beyond 64 bits is no id.
 [[nodiscard]] std::optional<QString> gameId(const QJsonObject& game);
 
-} // namespace LCUAnswers
+} // namespace LcuAnswers

@@ -23,16 +23,16 @@ std::optional<QJsonObject> jsonObject(const QByteArray& body) {
 
 } // namespace
 
-LCUClient::LCUClient(LCUDiscovery::Sources sources) : m_sources(std::move(sources)) {}
+LcuClient::LcuClient(LcuDiscovery::Sources sources) : m_sources(std::move(sources)) {}
 
-std::optional<LCUClient::Lockfile> LCUClient::discover() const {
-    return LCUDiscovery::discover(m_sources);
+std::optional<LcuClient::Lockfile> LcuClient::discover() const {
+    return LcuDiscovery::discover(m_sources);
 }
 
-QCoro::Task<QByteArray> LCUClient::get(QString path, Lockfile lock) {
+QCoro::Task<QByteArray> LcuClient::get(QString path, Lockfile lock) {
     const QUrl url(QStringLiteral("https://127.0.0.1:") + QString::number(lock.port) + path);
     if (!url.isValid())
-        throw LCUError::notRunning();
+        throw LcuError::notRunning();
 
     QNetworkRequest request(url);
     request.setTransferTimeout(requestTimeoutMs);
@@ -42,21 +42,21 @@ QCoro::Task<QByteArray> LCUClient::get(QString path, Lockfile lock) {
 
     const LoopbackSession::Answer answer = co_await m_session.get(std::move(request));
     if (!answer.status)
-        throw LCUError::notRunning();
+        throw LcuError::notRunning();
     if (*answer.status < 200 || *answer.status > 299)
-        throw LCUError::http(*answer.status);
+        throw LcuError::http(*answer.status);
     co_return answer.body;
 }
 
-QCoro::Task<LCUClient::CurrentSummoner> LCUClient::currentSummoner() {
+QCoro::Task<LcuClient::CurrentSummoner> LcuClient::currentSummoner() {
     const std::optional<Lockfile> lock = discover();
     if (!lock)
-        throw LCUError::notRunning();
+        throw LcuError::notRunning();
     const QByteArray body = co_await get(QStringLiteral("/lol-summoner/v1/current-summoner"), *lock);
-    co_return LCUAnswers::readCurrentSummoner(body);
+    co_return LcuAnswers::readCurrentSummoner(body);
 }
 
-QCoro::Task<std::optional<QString>> LCUClient::currentPlatform() {
+QCoro::Task<std::optional<QString>> LcuClient::currentPlatform() {
     const std::optional<Lockfile> lock = discover();
     if (!lock)
         co_return std::nullopt;
@@ -66,10 +66,10 @@ QCoro::Task<std::optional<QString>> LCUClient::currentPlatform() {
     } catch (...) {
         co_return std::nullopt;
     }
-    co_return LCUAnswers::readPlatform(body);
+    co_return LcuAnswers::readPlatform(body);
 }
 
-QCoro::Task<QList<QJsonObject>> LCUClient::fetchList(Lockfile lock, int count) {
+QCoro::Task<QList<QJsonObject>> LcuClient::fetchList(Lockfile lock, int count) {
     QList<QJsonObject> collected;
     if (count < 1)
         co_return collected;
@@ -79,11 +79,11 @@ QCoro::Task<QList<QJsonObject>> LCUClient::fetchList(Lockfile lock, int count) {
         const QString path = historyPath + QStringLiteral("?begIndex=") + QString::number(begin) +
                              QStringLiteral("&endIndex=") + QString::number(end);
         const QByteArray body = co_await get(path, lock);
-        const std::optional<QList<QJsonObject>> page = LCUAnswers::readHistoryPage(body);
+        const std::optional<QList<QJsonObject>> page = LcuAnswers::readHistoryPage(body);
         if (!page) {
             // A later page that cannot be read still leaves the earlier ones worth importing.
             if (collected.isEmpty())
-                throw LCUError::decode();
+                throw LcuError::decode();
             co_return collected;
         }
         collected.append(*page);
@@ -93,10 +93,10 @@ QCoro::Task<QList<QJsonObject>> LCUClient::fetchList(Lockfile lock, int count) {
     }
 }
 
-QCoro::Task<LCUClient::FullGames> LCUClient::recentFullGames(int max, QSet<QString> skip) {
+QCoro::Task<LcuClient::FullGames> LcuClient::recentFullGames(int max, QSet<QString> skip) {
     const std::optional<Lockfile> lock = discover();
     if (!lock)
-        throw LCUError::notRunning();
+        throw LcuError::notRunning();
     const QList<QJsonObject> entries = co_await fetchList(*lock, historyDepth);
 
     FullGames result;

@@ -6,7 +6,7 @@
 #include <QStringDecoder>
 #include <limits>
 
-namespace LCUDiscovery {
+namespace LcuDiscovery {
 
 namespace {
 
@@ -32,7 +32,7 @@ std::optional<QByteArray> readFile(const QString& path) {
 } // namespace
 
 Sources Sources::system() {
-    return Sources{LCUDiscovery::lockfilePaths(), &listProcesses};
+    return Sources{LcuDiscovery::lockfilePaths(), &listProcesses};
 }
 
 const QStringList& lockfilePaths() {
@@ -162,4 +162,4 @@ std::optional<Lockfile> discover(const Sources& sources) {
     return parseProcessList(*output);
 }
 
-} // namespace LCUDiscovery
+} // namespace LcuDiscovery

@@ -9,7 +9,7 @@
 
 // Finding the running League client: its lockfile first, its command line as a fallback.
 // Everything here is synchronous and never fails; "no client" is an empty optional.
-namespace LCUDiscovery {
+namespace LcuDiscovery {
 
 // The connection facts of one running client. The password changes with every launch of the
 // client and is only ever held in memory for the request that needs it.
@@ -51,4 +51,4 @@ struct Sources {
 
 [[nodiscard]] std::optional<Lockfile> discover(const Sources& sources);
 
-} // namespace LCUDiscovery
+} // namespace LcuDiscovery

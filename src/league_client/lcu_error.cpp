@@ -1,6 +1,6 @@
 #include "league_client/lcu_error.h"
 
-QString LCUError::description() const {
+QString LcuError::description() const {
     switch (m_kind) {
     case Kind::Http:
         return QStringLiteral("League client returned ") + QString::number(m_status) + QLatin1Char('.');

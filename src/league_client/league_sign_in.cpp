@@ -5,9 +5,9 @@
 
 namespace LeagueSignIn {
 
-QCoro::Task<AuthResponse> signIn(LCUDiscovery::Sources sources, BackendClient& backend) {
-    LCUClient lcu(std::move(sources));
-    const LCUClient::CurrentSummoner summoner = co_await lcu.currentSummoner();
+QCoro::Task<AuthResponse> signIn(LcuDiscovery::Sources sources, BackendClient& backend) {
+    LcuClient lcu(std::move(sources));
+    const LcuClient::CurrentSummoner summoner = co_await lcu.currentSummoner();
     const std::optional<QString> platform = co_await lcu.currentPlatform();
     co_return co_await backend.leagueLogin(summoner.puuid, platform.value_or(QLatin1String(fallbackPlatform)),
                                            summoner.gameName, summoner.tagLine);

@@ -13,8 +13,8 @@ namespace LeagueSignIn {
 inline constexpr const char* fallbackPlatform = "euw1";
 
 // Reads the identity the running League client is signed in with and exchanges it at the
-// backend for a session. Throws the client's LCUError before anything is sent to the backend,
+// backend for a session. Throws the client's LcuError before anything is sent to the backend,
 // or the backend's own error.
-QCoro::Task<AuthResponse> signIn(LCUDiscovery::Sources sources, BackendClient& backend);
+QCoro::Task<AuthResponse> signIn(LcuDiscovery::Sources sources, BackendClient& backend);
 
 } // namespace LeagueSignIn

@@ -1,17 +1,17 @@
 import QtQuick
 import QtQuick.Layouts
 import QuillFern.Screens
+import QuillFern.Session
 import QuillFern.Theme
 
 // The user's champion pool as a grid of cards, in one of three orders.
 Item {
     id: root
-    property var appState
+    required property AppState appState
     // Lets a host (or the screenshot tour) pick the order.
     property alias sort: pool.sort
 
     readonly property real minimumCardWidth: 280
-    readonly property real spacing: 12
 
     ChampionsModel {
         id: pool
@@ -20,24 +20,24 @@ Item {
 
     ColumnLayout {
         anchors.fill: parent
-        spacing: 14
+        spacing: Theme.blockSpacing
 
         RowLayout {
             Layout.fillWidth: true
             spacing: 18
             SectionLabel {
+                role: Theme.Footnote
                 text: pool.poolLabel
-                size: 12
             }
             Item { Layout.fillWidth: true }
             Repeater {
                 model: pool.sortChoices
-                Text {
+                ThemeText {
+                    id: sortChoice
                     required property var modelData
+                    role: Theme.Footnote
                     text: modelData.label
                     color: modelData.selected ? Theme.gold : (sortArea.containsMouse ? Theme.textSecondary : Theme.textDim)
-                    font.family: Theme.fontFamily
-                    font.pixelSize: 12
                     font.weight: Font.DemiBold
                     MouseArea {
                         id: sortArea
@@ -45,7 +45,7 @@ Item {
                         anchors.margins: -6
                         hoverEnabled: true
                         cursorShape: Qt.PointingHandCursor
-                        onClicked: pool.sort = parent.modelData.value
+                        onClicked: pool.sort = sortChoice.modelData.value // qmllint disable unqualified
                     }
                 }
             }
@@ -70,26 +70,21 @@ Item {
             // wider than the screen so that the last column ends flush with the header.
             GridView {
                 id: grid
-                readonly property int columns: Math.max(1, Math.floor(width / (root.minimumCardWidth + root.spacing)))
+                readonly property int columns: Math.max(1, Math.floor(width / (root.minimumCardWidth + Theme.cardSpacing)))
                 anchors.top: parent.top
                 anchors.bottom: parent.bottom
                 anchors.left: parent.left
-                width: parent.width + root.spacing
+                width: parent.width + Theme.cardSpacing
                 clip: true
                 boundsBehavior: Flickable.StopAtBounds
                 cellWidth: Math.floor(width / columns)
-                cellHeight: 158 + root.spacing
+                cellHeight: 158 + Theme.cardSpacing
                 model: pool.cards
                 reuseItems: true
-                delegate: Item {
-                    required property var model
-                    width: grid.cellWidth
-                    height: grid.cellHeight
-                    ChampionCard {
-                        width: parent.width - root.spacing
-                        height: parent.height - root.spacing
-                        card: parent.model
-                    }
+                delegate: ChampionCard {
+                    width: (GridView.view as GridView).cellWidth
+                    height: (GridView.view as GridView).cellHeight
+                    gap: Theme.cardSpacing
                 }
             }
         }

@@ -24,17 +24,16 @@ Rectangle {
         id: content
         x: root.padding / 2
         anchors.verticalCenter: parent.verticalCenter
-        spacing: 4
+        spacing: Theme.smallSpacing
         Symbol { id: icon; name: "person.2.fill"; size: 10; color: Theme.teal; anchors.verticalCenter: parent.verticalCenter }
-        Text {
+        ThemeText {
             id: label
+            role: Theme.Small
             anchors.verticalCenter: parent.verticalCenter
             width: Math.max(0, Math.min(implicitWidth, root.maximumWidth - root.padding - icon.width - content.spacing))
             text: root.text
             elide: Text.ElideRight
             color: Theme.teal
-            font.family: Theme.fontFamily
-            font.pixelSize: 10
             font.weight: Font.DemiBold
         }
     }

@@ -1,14 +1,14 @@
 import QtQuick
 import QtQuick.Layouts
 import QuillFern.Screens
+import QuillFern.Session
 import QuillFern.Theme
 
 // Every game of the user, newest first, with a category filter. Asks its host to open a game.
 Item {
     id: root
-    property var appState: null
-    signal openGame(var matchServerId)
-
+    required property AppState appState
+    signal openGame(real matchServerId)
 
     HistoryModel {
         id: history
@@ -18,11 +18,11 @@ Item {
     ColumnLayout {
         id: layout
         anchors.fill: parent
-        spacing: 14
+        spacing: Theme.blockSpacing
 
         RowLayout {
             Layout.fillWidth: true
-            spacing: 16
+            spacing: Theme.sectionSpacing
             WinRing {
                 visible: history.hasGames
                 pct: history.winPercent
@@ -31,19 +31,16 @@ Item {
             }
             ColumnLayout {
                 visible: history.hasGames
-                spacing: 2
-                Text {
+                spacing: Theme.lineSpacing
+                ThemeText {
+                    role: Theme.Callout
                     text: history.gamesText
-                    color: Theme.text
-                    font.family: Theme.fontFamily
-                    font.pixelSize: 14
                     font.weight: Font.DemiBold
                 }
-                Text {
+                ThemeText {
+                    role: Theme.Footnote
                     text: history.recordText
                     color: Theme.textSecondary
-                    font.family: Theme.fontFamily
-                    font.pixelSize: 12
                 }
             }
             Item { Layout.fillWidth: true }
@@ -56,33 +53,33 @@ Item {
                 flickableDirection: Flickable.HorizontalFlick
                 Row {
                     id: chipRow
-                    spacing: 8
+                    spacing: Theme.itemSpacing
                     Repeater {
                         model: history.chips
                         Rectangle {
+                            id: chip
                             required property var modelData
                             height: 28
                             width: chipLabel.implicitWidth + 24
-                            radius: 14
+                            radius: height / 2
                             // The tint's own opacity counts too: "Other" is a translucent white.
                             color: modelData.selected ? Qt.rgba(modelData.tint.r, modelData.tint.g, modelData.tint.b,
                                                                 modelData.tint.a * 0.9)
                                                       : Qt.rgba(1, 1, 1, 0.05)
                             border.width: modelData.selected ? 0 : 1
                             border.color: Qt.rgba(1, 1, 1, 0.12)
-                            Text {
+                            ThemeText {
                                 id: chipLabel
+                                role: Theme.Footnote
                                 anchors.centerIn: parent
-                                text: parent.modelData.label
-                                color: parent.modelData.selected ? "white" : Theme.textSecondary
-                                font.family: Theme.fontFamily
-                                font.pixelSize: 12
+                                text: chip.modelData.label
+                                color: chip.modelData.selected ? "white" : Theme.textSecondary
                                 font.weight: Font.DemiBold
                             }
                             MouseArea {
                                 anchors.fill: parent
                                 cursorShape: Qt.PointingHandCursor
-                                onClicked: history.filter = parent.modelData.value
+                                onClicked: history.filter = chip.modelData.value // qmllint disable unqualified
                             }
                         }
                     }
@@ -107,14 +104,12 @@ Item {
             Layout.fillWidth: true
             Layout.fillHeight: true
             clip: true
-            spacing: 8
+            spacing: Theme.itemSpacing
             model: history.rows
             reuseItems: true
             delegate: MatchRow {
-                required property var model
                 width: ListView.view.width
-                row: model
-                onTapped: root.openGame(model.matchServerId)
+                onTapped: root.openGame(matchServerId) // qmllint disable unqualified
             }
         }
     }

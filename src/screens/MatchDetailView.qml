@@ -2,13 +2,14 @@ import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import QuillFern.Screens
+import QuillFern.Session
 import QuillFern.Theme
 
 // One game in full, shown as a sheet over the window.
 Item {
     id: root
-    property var appState: null
-    property var matchServerId: 0
+    required property AppState appState
+    required property real matchServerId
     signal closeRequested()
     signal timelineRequested()
 
@@ -26,34 +27,30 @@ Item {
     ColumnLayout {
         anchors.fill: parent
         anchors.margins: 22
-        spacing: 16
+        spacing: Theme.sectionSpacing
 
         // Header.
         RowLayout {
             Layout.fillWidth: true
-            spacing: 14
+            spacing: Theme.blockSpacing
             ChampionIcon { name: detail.championName; size: 56; ring: true }
             ColumnLayout {
                 spacing: 3
-                Text {
+                ThemeText {
+                    role: Theme.Title
                     text: detail.championName
-                    color: Theme.text
-                    font.family: Theme.fontFamily
-                    font.pixelSize: 20
                     font.weight: Font.Bold
                 }
                 ModeChip { text: detail.categoryChip; tint: detail.categoryColor }
-                Text {
+                ThemeText {
+                    role: Theme.Footnote
                     text: detail.headerLine
                     color: Theme.textSecondary
-                    font.family: Theme.fontFamily
-                    font.pixelSize: 12
                 }
-                Text {
+                ThemeText {
+                    role: Theme.Body
                     text: detail.resultText
                     color: detail.win ? Theme.win : Theme.loss
-                    font.family: Theme.fontFamily
-                    font.pixelSize: 13
                     font.weight: Font.Bold
                 }
             }
@@ -68,14 +65,13 @@ Item {
                 Row {
                     id: timelineRow
                     anchors.centerIn: parent
-                    spacing: 6
+                    spacing: Theme.inlineSpacing
                     Symbol { name: "chart.xyaxis.line"; size: 14; color: Theme.goldBright }
-                    Text {
+                    ThemeText {
+                        role: Theme.Footnote
                         anchors.verticalCenter: parent.verticalCenter
                         text: "Timeline"
                         color: Theme.goldBright
-                        font.family: Theme.fontFamily
-                        font.pixelSize: 12
                         font.weight: Font.DemiBold
                     }
                 }
@@ -107,7 +103,7 @@ Item {
 
             Column {
                 width: parent.width
-                spacing: 14
+                spacing: Theme.blockSpacing
                 Repeater {
                     model: detail.teams
                     GlassCard {
@@ -117,30 +113,26 @@ Item {
                         padding: 12
                         Column {
                             width: parent.width
-                            spacing: 4
+                            spacing: Theme.smallSpacing
                             Row {
-                                spacing: 10
+                                spacing: Theme.controlSpacing
                                 leftPadding: 4
                                 bottomPadding: 4
-                                Text {
+                                ThemeText {
+                                    role: Theme.Callout
                                     text: block.modelData.title
-                                    color: Theme.text
-                                    font.family: Theme.fontFamily
-                                    font.pixelSize: 14
                                     font.weight: Font.Bold
                                 }
-                                Text {
+                                ThemeText {
+                                    role: Theme.Body
                                     text: block.modelData.resultText
                                     color: block.modelData.win ? Theme.win : Theme.loss
-                                    font.family: Theme.fontFamily
-                                    font.pixelSize: 13
                                     font.weight: Font.DemiBold
                                 }
-                                Text {
+                                ThemeText {
+                                    role: Theme.Body
                                     text: block.modelData.totals
                                     color: Theme.textSecondary
-                                    font.family: Theme.fontFamily
-                                    font.pixelSize: 13
                                 }
                             }
                             Repeater {

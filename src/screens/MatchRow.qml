@@ -2,17 +2,33 @@ import QtQuick
 import QtQuick.Layouts
 import QuillFern.Theme
 
-// One game of the history list. Reads the row's roles through `row`.
+// One game of the history list, as a delegate of a match list: each role is a property.
 Item {
     id: root
-    required property var row
+    required property string championName
+    required property bool win
+    required property string resultText
+    required property string queueLabel
+    required property string categoryChip
+    required property color categoryColor
+    required property string timeText
+    required property int kills
+    required property int deaths
+    required property int assists
+    required property string kdaText
+    required property color kdaColor
+    required property string csText
+    required property string damageText
+    required property var items // item ids in slot order
+    required property string friendText
+    required property real matchServerId
     signal tapped()
 
     implicitHeight: 76
 
     GlassBackground {
         anchors.fill: parent
-        cornerRadius: 14
+        cornerRadius: Theme.rowRadius
         tint: area.containsMouse ? Theme.gold : "transparent"
     }
 
@@ -21,16 +37,16 @@ Item {
         anchors.leftMargin: 10
         anchors.rightMargin: 14
         // Fixed column widths keep the columns of every row aligned; the friends take what is left.
-        spacing: 12
+        spacing: Theme.cardSpacing
 
         Rectangle {
             Layout.preferredWidth: 4
             Layout.preferredHeight: 48
             radius: 2
-            color: root.row.win ? Theme.win : Theme.loss
+            color: root.win ? Theme.win : Theme.loss
         }
         ChampionIcon {
-            name: root.row.championName
+            name: root.championName
             size: 46
         }
         ColumnLayout {
@@ -38,55 +54,49 @@ Item {
             Layout.minimumWidth: 175
             Layout.maximumWidth: 175
             spacing: 1
-            Text {
-                text: root.row.championName
-                color: Theme.text
-                font.family: Theme.fontFamily
-                font.pixelSize: 14
+            ThemeText {
+                role: Theme.Callout
+                text: root.championName
                 font.weight: Font.Bold
             }
-            Text {
-                text: root.row.resultText
-                color: root.row.win ? Theme.win : Theme.loss
-                font.family: Theme.fontFamily
-                font.pixelSize: 11
+            ThemeText {
+                role: Theme.Caption
+                text: root.resultText
+                color: root.win ? Theme.win : Theme.loss
                 font.weight: Font.DemiBold
             }
             RowLayout {
-                spacing: 6
-                Text {
-                    text: root.row.queueLabel
+                spacing: Theme.inlineSpacing
+                ThemeText {
+                    role: Theme.Caption
+                    text: root.queueLabel
                     color: Theme.textSecondary
-                    font.family: Theme.fontFamily
-                    font.pixelSize: 11
                     elide: Text.ElideRight
                     Layout.maximumWidth: 130
                 }
-                ModeChip { text: root.row.categoryChip; tint: root.row.categoryColor }
+                ModeChip { text: root.categoryChip; tint: root.categoryColor }
             }
-            Text {
-                text: root.row.timeText
+            ThemeText {
+                role: Theme.Caption
+                text: root.timeText
                 color: Theme.textDim
-                font.family: Theme.fontFamily
-                font.pixelSize: 11
             }
         }
         ColumnLayout {
             Layout.preferredWidth: 88
             Layout.minimumWidth: 88
             Layout.maximumWidth: 88
-            spacing: 2
-            KDALine {
-                kills: root.row.kills
-                deaths: root.row.deaths
-                assists: root.row.assists
-                size: 15
+            spacing: Theme.lineSpacing
+            KdaLine {
+                role: Theme.Emphasis
+                kills: root.kills
+                deaths: root.deaths
+                assists: root.assists
             }
-            Text {
-                text: root.row.kdaText
-                color: root.row.kdaColor
-                font.family: Theme.fontFamily
-                font.pixelSize: 11
+            ThemeText {
+                role: Theme.Caption
+                text: root.kdaText
+                color: root.kdaColor
                 font.weight: Font.DemiBold
             }
         }
@@ -94,40 +104,38 @@ Item {
             Layout.preferredWidth: 80
             Layout.minimumWidth: 80
             Layout.maximumWidth: 80
-            spacing: 2
-            Text {
-                text: root.row.csText
+            spacing: Theme.lineSpacing
+            ThemeText {
+                role: Theme.Caption
+                text: root.csText
                 color: Theme.textSecondary
-                font.family: Theme.fontFamily
-                font.pixelSize: 11
             }
-            Text {
-                text: root.row.damageText
+            ThemeText {
+                role: Theme.Caption
+                text: root.damageText
                 color: Theme.textDim
-                font.family: Theme.fontFamily
-                font.pixelSize: 11
             }
         }
         // Items with the friends beside them, or under them when the row is too narrow for both.
         Item {
             id: gear
-            readonly property bool stacked: width < items.width + 12 + 180
+            readonly property bool stacked: width < itemRow.width + 12 + 180
             Layout.fillWidth: true
-            Layout.minimumWidth: items.width
+            Layout.minimumWidth: itemRow.width
             Layout.fillHeight: true
             ItemRow {
-                id: items
-                items: root.row.items
+                id: itemRow
+                items: root.items
                 size: 20
                 y: gear.stacked && tags.visible ? (gear.height - height - 6 - tags.height) / 2 : (gear.height - height) / 2
             }
             FriendTags {
                 id: tags
-                visible: root.row.friendNames.length > 0
-                text: root.row.friendText
-                x: gear.stacked ? 0 : items.width + 12
-                y: gear.stacked ? items.y + items.height + 6 : (gear.height - height) / 2
-                maximumWidth: gear.stacked ? gear.width : gear.width - items.width - 12
+                visible: root.friendText.length > 0
+                text: root.friendText
+                x: gear.stacked ? 0 : itemRow.width + 12
+                y: gear.stacked ? itemRow.y + itemRow.height + 6 : (gear.height - height) / 2
+                maximumWidth: gear.stacked ? gear.width : gear.width - itemRow.width - 12
                 hovered: area.containsMouse
             }
         }

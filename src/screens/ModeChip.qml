@@ -14,13 +14,12 @@ Rectangle {
     border.width: 0.5
     border.color: Qt.rgba(tint.r, tint.g, tint.b, tint.a * 0.45)
 
-    Text {
+    ThemeText {
         id: label
+        role: Theme.Micro
         anchors.centerIn: parent
         text: root.text
         color: root.tint
-        font.family: Theme.fontFamily
-        font.pixelSize: 9
         font.weight: Font.ExtraBold
         font.letterSpacing: 0.4
     }

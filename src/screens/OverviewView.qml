@@ -2,15 +2,16 @@ import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
 import QuillFern.Screens
+import QuillFern.Session
 import QuillFern.Theme
 
 // The landing screen: who the player is, how they play, and their newest games.
 Item {
     id: root
-    property var appState: null
+    required property AppState appState
     // The account-linking card, supplied by the window (it lives with the sign-in views).
-    property Component linkCard
-    signal openGame(var matchServerId)
+    required property Component linkCard
+    signal openGame(real matchServerId)
     signal showHistory()
 
     OverviewModel {
@@ -26,7 +27,7 @@ Item {
 
         ColumnLayout {
             width: scroller.availableWidth
-            spacing: 16
+            spacing: Theme.sectionSpacing
 
             // Nothing of the user's yet.
             Loader {
@@ -50,7 +51,7 @@ Item {
                 visible: !overview.isEmpty
                 Layout.fillWidth: true
                 padding: 20
-                radius: 20
+                radius: Theme.heroRadius
                 RowLayout {
                     width: parent.width
                     spacing: 18
@@ -61,30 +62,28 @@ Item {
                         ring: true
                     }
                     ColumnLayout {
-                        spacing: 10
+                        spacing: Theme.controlSpacing
                         Layout.fillWidth: true
                         Row {
-                            spacing: 6
-                            Text {
+                            spacing: Theme.inlineSpacing
+                            ThemeText {
                                 id: heroNameText
+                                role: Theme.DisplayLarge
                                 text: overview.heroName
                                 color: "white"
-                                font.family: Theme.fontFamily
-                                font.pixelSize: 26
                                 font.weight: Font.ExtraBold
                             }
-                            Text {
+                            ThemeText {
+                                role: Theme.Headline
                                 anchors.baseline: heroNameText.baseline
                                 text: overview.heroTag
                                 color: Theme.textDim
-                                font.family: Theme.fontFamily
-                                font.pixelSize: 16
                                 font.weight: Font.DemiBold
                             }
                         }
                         Flow {
                             Layout.fillWidth: true
-                            spacing: 6
+                            spacing: Theme.inlineSpacing
                             Repeater {
                                 model: overview.pills
                                 Pill {
@@ -97,29 +96,25 @@ Item {
                     }
                     RowLayout {
                         visible: overview.hasRank
-                        spacing: 12
+                        spacing: Theme.cardSpacing
                         RankGem { tier: overview.rankTier; size: 46 }
                         ColumnLayout {
                             spacing: 1
-                            Text {
+                            ThemeText {
+                                role: Theme.Headline
                                 text: overview.rankLabel
-                                color: Theme.text
-                                font.family: Theme.fontFamily
-                                font.pixelSize: 16
                                 font.weight: Font.Bold
                             }
-                            Text {
+                            ThemeText {
+                                role: Theme.Body
                                 text: overview.rankLpText
                                 color: Theme.gold
-                                font.family: Theme.fontFamily
-                                font.pixelSize: 13
                                 font.weight: Font.DemiBold
                             }
-                            Text {
+                            ThemeText {
+                                role: Theme.Caption
                                 text: overview.rankGamesText
                                 color: Theme.textDim
-                                font.family: Theme.fontFamily
-                                font.pixelSize: 11
                             }
                         }
                     }
@@ -145,7 +140,7 @@ Item {
             RowLayout {
                 visible: !overview.isEmpty
                 Layout.fillWidth: true
-                spacing: 12
+                spacing: Theme.cardSpacing
                 Repeater {
                     model: overview.statCards
                     StatCard {
@@ -165,7 +160,7 @@ Item {
             RowLayout {
                 visible: !overview.isEmpty
                 Layout.fillWidth: true
-                spacing: 12
+                spacing: Theme.cardSpacing
                 GlassCard {
                     Layout.fillWidth: true
                     Layout.preferredWidth: 1
@@ -176,24 +171,23 @@ Item {
                         id: formColumn
                         width: parent.width
                         height: parent.height
-                        spacing: 12
+                        spacing: Theme.cardSpacing
                         RowLayout {
                             Layout.fillWidth: true
                             SectionLabel { text: overview.formLabel; Layout.fillWidth: true }
-                            Text {
+                            ThemeText {
+                                role: Theme.Footnote
                                 text: overview.formRecord
                                 color: Theme.textSecondary
-                                font.family: Theme.fontFamily
-                                font.pixelSize: 12
                                 font.weight: Font.DemiBold
                             }
                         }
                         Row {
-                            spacing: 4
+                            spacing: Theme.smallSpacing
                             Repeater {
                                 model: overview.formResults
                                 Rectangle {
-                                    required property var modelData
+                                    required property bool modelData // won
                                     width: 7; height: 7; radius: 1.5
                                     color: modelData ? Theme.win : Theme.loss
                                 }
@@ -202,7 +196,7 @@ Item {
                         Item { Layout.fillHeight: true }
                         RowLayout {
                             Layout.fillWidth: true
-                            spacing: 12
+                            spacing: Theme.cardSpacing
                             Repeater {
                                 model: [
                                     { value: overview.formAvgKda, caption: "Avg KDA", tint: "white" },
@@ -210,21 +204,20 @@ Item {
                                     { value: overview.formWins, caption: "Wins", tint: Theme.win }
                                 ]
                                 ColumnLayout {
+                                    id: figure
                                     required property var modelData
                                     Layout.fillWidth: true
                                     spacing: 1
-                                    Text {
-                                        text: parent.modelData.value
-                                        color: parent.modelData.tint
-                                        font.family: Theme.fontFamily
-                                        font.pixelSize: 18
+                                    ThemeText {
+                                        role: Theme.Figure
+                                        text: figure.modelData.value
+                                        color: figure.modelData.tint
                                         font.weight: Font.Bold
                                     }
-                                    Text {
-                                        text: parent.modelData.caption
+                                    ThemeText {
+                                        role: Theme.Caption
+                                        text: figure.modelData.caption
                                         color: Theme.textDim
-                                        font.family: Theme.fontFamily
-                                        font.pixelSize: 11
                                     }
                                 }
                             }
@@ -237,37 +230,34 @@ Item {
                     Layout.fillHeight: true
                     ColumnLayout {
                         width: parent.width
-                        spacing: 8
+                        spacing: Theme.itemSpacing
                         SectionLabel { text: "Top Champions" }
                         Repeater {
                             model: overview.topChampions
                             RowLayout {
+                                id: champion
                                 required property var modelData
                                 Layout.fillWidth: true
-                                spacing: 10
-                                ChampionIcon { name: parent.modelData.name; size: 30 }
+                                spacing: Theme.controlSpacing
+                                ChampionIcon { name: champion.modelData.name; size: 30 }
                                 ColumnLayout {
                                     Layout.fillWidth: true
                                     spacing: 0
-                                    Text {
-                                        text: parent.parent.modelData.name
-                                        color: Theme.text
-                                        font.family: Theme.fontFamily
-                                        font.pixelSize: 13
+                                    ThemeText {
+                                        role: Theme.Body
+                                        text: champion.modelData.name
                                         font.weight: Font.DemiBold
                                     }
-                                    Text {
-                                        text: parent.parent.modelData.line
+                                    ThemeText {
+                                        role: Theme.Caption
+                                        text: champion.modelData.line
                                         color: Theme.textDim
-                                        font.family: Theme.fontFamily
-                                        font.pixelSize: 11
                                     }
                                 }
-                                Text {
-                                    text: parent.modelData.winRateText
-                                    color: parent.modelData.winRateColor
-                                    font.family: Theme.fontFamily
-                                    font.pixelSize: 14
+                                ThemeText {
+                                    role: Theme.Callout
+                                    text: champion.modelData.winRateText
+                                    color: champion.modelData.winRateColor
                                     font.weight: Font.Bold
                                 }
                             }
@@ -281,11 +271,10 @@ Item {
                 visible: !overview.isEmpty
                 Layout.fillWidth: true
                 SectionLabel { text: "Recent Matches"; Layout.fillWidth: true }
-                Text {
+                ThemeText {
+                    role: Theme.Footnote
                     text: "View all"
                     color: viewAll.containsMouse ? Theme.goldBright : Theme.gold
-                    font.family: Theme.fontFamily
-                    font.pixelSize: 12
                     font.weight: Font.DemiBold
                     MouseArea {
                         id: viewAll
@@ -299,10 +288,8 @@ Item {
             Repeater {
                 model: overview.isEmpty ? null : overview.recentMatches
                 MatchRow {
-                    required property var model
                     Layout.fillWidth: true
-                    row: model
-                    onTapped: root.openGame(model.matchServerId)
+                    onTapped: root.openGame(matchServerId) // qmllint disable unqualified
                 }
             }
             Item { Layout.preferredHeight: 8 }

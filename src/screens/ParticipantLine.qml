@@ -2,37 +2,35 @@ import QtQuick
 import QtQuick.Layouts
 import QuillFern.Theme
 
-// One player's line in the match detail.
+// One player's line in the match detail: one row of the detail model's teams, as a map.
 Rectangle {
     id: root
     required property var line
 
     implicitHeight: 52
-    radius: 10
+    radius: Theme.controlRadius
     color: line.isMe ? Qt.rgba(Theme.gold.r, Theme.gold.g, Theme.gold.b, 0.14) : "transparent"
     border.width: line.isMe ? 1 : 0
     border.color: Qt.rgba(Theme.gold.r, Theme.gold.g, Theme.gold.b, 0.35)
 
     component StatColumn: Column {
+        id: column
         property string value
         property string caption
         width: 44
-        Text {
+        ThemeText {
+            role: Theme.Footnote
             width: parent.width
             horizontalAlignment: Text.AlignHCenter
-            text: parent.value
-            color: Theme.text
-            font.family: Theme.fontFamily
-            font.pixelSize: 12
+            text: column.value
             font.weight: Font.DemiBold
         }
-        Text {
+        ThemeText {
+            role: Theme.Micro
             width: parent.width
             horizontalAlignment: Text.AlignHCenter
-            text: parent.caption
+            text: column.caption
             color: Theme.textDim
-            font.family: Theme.fontFamily
-            font.pixelSize: 9
         }
     }
 
@@ -45,41 +43,37 @@ Rectangle {
         ChampionIcon { name: root.line.championName; size: 34 }
         Column {
             Layout.preferredWidth: 150
-            Text {
+            ThemeText {
+                role: Theme.Body
                 width: 150
                 text: root.line.championName
-                color: Theme.text
-                font.family: Theme.fontFamily
-                font.pixelSize: 13
                 font.weight: Font.DemiBold
                 elide: Text.ElideRight
             }
             Row {
-                spacing: 4
-                Text {
+                spacing: Theme.smallSpacing
+                ThemeText {
+                    role: Theme.Caption
                     text: root.line.displayName
                     color: Theme.textSecondary
-                    font.family: Theme.fontFamily
-                    font.pixelSize: 11
                     elide: Text.ElideRight
                     width: Math.min(implicitWidth, root.line.isFriend ? 130 : 150)
                 }
                 Symbol { visible: root.line.isFriend; name: "person.2.fill"; size: 11; color: Theme.teal }
             }
         }
-        KDALine {
+        KdaLine {
+            role: Theme.Body
             Layout.preferredWidth: 86
             kills: root.line.kills
             deaths: root.line.deaths
             assists: root.line.assists
-            size: 13
         }
-        Text {
+        ThemeText {
+            role: Theme.Footnote
             Layout.preferredWidth: 30
             text: root.line.kdaText
             color: root.line.kdaColor
-            font.family: Theme.fontFamily
-            font.pixelSize: 12
             font.weight: Font.Bold
         }
         StatColumn { value: root.line.cs; caption: "cs" }
@@ -87,19 +81,18 @@ Rectangle {
         StatColumn { value: root.line.vision; caption: "vis" }
         Row {
             Layout.preferredWidth: 172
-            spacing: 8
+            spacing: Theme.itemSpacing
             MeterBar {
                 anchors.verticalCenter: parent.verticalCenter
                 width: 120
                 pct: root.line.damagePercent
                 tint: root.line.win ? Theme.win : Theme.loss
             }
-            Text {
+            ThemeText {
+                role: Theme.Small
                 anchors.verticalCenter: parent.verticalCenter
                 text: root.line.damageText
                 color: Theme.textDim
-                font.family: Theme.fontFamily
-                font.pixelSize: 10
             }
         }
         ItemRow { items: root.line.items; size: 20 }

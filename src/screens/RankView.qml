@@ -1,12 +1,13 @@
 import QtQuick
 import QtQuick.Layouts
 import QuillFern.Screens
+import QuillFern.Session
 import QuillFern.Theme
 
 // The user's standing in one ranked queue: the newest snapshot and the LP line over time.
 Item {
     id: root
-    property var appState
+    required property AppState appState
     // Lets a host (or the screenshot tour) pick the queue.
     property alias queue: rank.queue
 
@@ -25,13 +26,13 @@ Item {
         ColumnLayout {
             id: body
             width: parent.width
-            spacing: 16
+            spacing: Theme.sectionSpacing
 
             // The two-choice queue picker.
             Rectangle {
                 Layout.preferredWidth: 260
                 Layout.preferredHeight: 32
-                radius: 9
+                radius: Theme.itemRadius
                 color: Qt.rgba(1, 1, 1, 0.06)
                 border.width: 1
                 border.color: Qt.rgba(1, 1, 1, 0.1)
@@ -41,6 +42,7 @@ Item {
                     Repeater {
                         model: rank.queueChoices
                         Rectangle {
+                            id: queueChoice
                             required property var modelData
                             width: parent.width / 2
                             height: parent.height
@@ -49,18 +51,17 @@ Item {
                                                       : "transparent"
                             border.width: modelData.selected ? 1 : 0
                             border.color: Qt.rgba(Theme.gold.r, Theme.gold.g, Theme.gold.b, 0.5)
-                            Text {
+                            ThemeText {
+                                role: Theme.Footnote
                                 anchors.centerIn: parent
-                                text: parent.modelData.label
-                                color: parent.modelData.selected ? Theme.goldBright : Theme.textSecondary
-                                font.family: Theme.fontFamily
-                                font.pixelSize: 12
+                                text: queueChoice.modelData.label
+                                color: queueChoice.modelData.selected ? Theme.goldBright : Theme.textSecondary
                                 font.weight: Font.DemiBold
                             }
                             MouseArea {
                                 anchors.fill: parent
                                 cursorShape: Qt.PointingHandCursor
-                                onClicked: rank.queue = parent.modelData.value
+                                onClicked: rank.queue = queueChoice.modelData.value // qmllint disable unqualified
                             }
                         }
                     }
@@ -84,28 +85,25 @@ Item {
                     ColumnLayout {
                         spacing: 3
                         DisplayTitle {
+                            role: Theme.Display
                             text: rank.currentLabel
-                            size: 24
                         }
-                        Text {
+                        ThemeText {
+                            role: Theme.Headline
                             text: rank.lpText
                             color: Theme.gold
-                            font.family: Theme.fontFamily
-                            font.pixelSize: 16
                             font.weight: Font.DemiBold
                         }
-                        Text {
+                        ThemeText {
+                            role: Theme.Body
                             text: rank.recordText
                             color: Theme.textSecondary
-                            font.family: Theme.fontFamily
-                            font.pixelSize: 13
                         }
-                        Text {
+                        ThemeText {
+                            role: Theme.Body
                             visible: rank.hasWinRate
                             text: rank.winRateText
                             color: Theme.textSecondary
-                            font.family: Theme.fontFamily
-                            font.pixelSize: 13
                         }
                     }
                     Item { Layout.fillWidth: true }
@@ -127,9 +125,9 @@ Item {
                 ColumnLayout {
                     id: chartBody
                     width: parent.width
-                    spacing: 14
+                    spacing: Theme.blockSpacing
                     SectionLabel { text: "LP over time" }
-                    LPChart {
+                    LpChart {
                         visible: rank.hasChart
                         Layout.fillWidth: true
                         Layout.preferredHeight: 280
@@ -139,14 +137,13 @@ Item {
                         visible: !rank.hasChart
                         Layout.fillWidth: true
                         Layout.preferredHeight: Math.max(120, notEnough.implicitHeight)
-                        Text {
+                        ThemeText {
                             id: notEnough
+                            role: Theme.Body
                             anchors.centerIn: parent
                             width: Math.min(parent.width, 420)
                             text: "Not enough data yet — the graph fills in as you play ranked games."
                             color: Theme.textSecondary
-                            font.family: Theme.fontFamily
-                            font.pixelSize: 13
                             horizontalAlignment: Text.AlignHCenter
                             wrapMode: Text.Wrap
                         }

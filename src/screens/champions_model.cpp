@@ -65,11 +65,10 @@ QHash<int, QByteArray> ChampionCardsModel::roleNames() const {
 
 ChampionsModel::ChampionsModel(QObject* parent) : ScreenModel(parent), m_cards(new ChampionCardsModel(this)) {}
 
-void ChampionsModel::setSort(int sort) {
-    const auto chosen = static_cast<Sort>(std::clamp(sort, 0, static_cast<int>(Sort::Kda)));
-    if (chosen == m_sort)
+void ChampionsModel::setSort(Sort sort) {
+    if (sort == m_sort)
         return;
-    m_sort = chosen;
+    m_sort = sort;
     applySort();
 }
 

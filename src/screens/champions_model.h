@@ -1,7 +1,7 @@
 #pragma once
 
 #include "game_data/stats.h"
-#include "app/screen_model.h"
+#include "session/screen_model.h"
 
 #include <QAbstractListModel>
 #include <QHash>
@@ -12,6 +12,8 @@
 // One card per champion of the user's pool, in the order the screen chose.
 class ChampionCardsModel : public QAbstractListModel {
     Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("The champion pool hands out its cards.")
 
 public:
     enum Role {
@@ -53,7 +55,7 @@ class ChampionsModel : public ScreenModel {
     Q_OBJECT
     QML_ELEMENT
 
-    Q_PROPERTY(int sort READ sort WRITE setSort NOTIFY changed)
+    Q_PROPERTY(Sort sort READ sort WRITE setSort NOTIFY changed)
     Q_PROPERTY(QVariantList sortChoices READ sortChoices NOTIFY changed)
     Q_PROPERTY(QString poolLabel READ poolLabel NOTIFY changed)
     Q_PROPERTY(bool hasChampions READ hasChampions NOTIFY changed)
@@ -65,8 +67,8 @@ public:
 
     explicit ChampionsModel(QObject* parent = nullptr);
 
-    [[nodiscard]] int sort() const { return static_cast<int>(m_sort); }
-    void setSort(int sort);
+    [[nodiscard]] Sort sort() const { return m_sort; }
+    void setSort(Sort sort);
     [[nodiscard]] QVariantList sortChoices() const;
     [[nodiscard]] QString poolLabel() const;
     [[nodiscard]] bool hasChampions() const { return m_cards->rowCount() > 0; }

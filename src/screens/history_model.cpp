@@ -31,7 +31,7 @@ void HistoryModel::recompute() {
     applyFilter();
 }
 
-void HistoryModel::setFilter(int filter) {
+void HistoryModel::setFilter(Filter filter) {
     if (filter == m_filter)
         return;
     m_filter = filter;
@@ -40,22 +40,23 @@ void HistoryModel::setFilter(int filter) {
 
 void HistoryModel::applyFilter() {
     std::vector<Stats::Game> shown;
-    if (m_filter == allCategories) {
+    if (m_filter == Filter::All) {
         shown = m_all;
     } else {
         for (const Stats::Game& game : m_all)
-            if (static_cast<int>(game.category()) == m_filter)
+            if (filterOf(game.category()) == m_filter)
                 shown.push_back(game);
     }
     m_wins = static_cast<int>(std::count_if(shown.begin(), shown.end(), [](const Stats::Game& g) { return g.me->win; }));
 
     m_chips.clear();
-    const auto chip = [this](const QString& label, int value, const QColor& tint) {
-        m_chips.append(QVariantMap{{"label", label}, {"value", value}, {"tint", tint}, {"selected", value == m_filter}});
+    const auto chip = [this](const QString& label, Filter value, const QColor& tint) {
+        m_chips.append(QVariantMap{
+            {"label", label}, {"value", static_cast<int>(value)}, {"tint", tint}, {"selected", value == m_filter}});
     };
-    chip(QStringLiteral("All"), allCategories, Theme::gold());
+    chip(QStringLiteral("All"), Filter::All, Theme::gold());
     for (GameCategory category : presentCategories(m_all))
-        chip(GameCategories::rawValue(category), static_cast<int>(category), MatchTexts::categoryColor(category));
+        chip(GameCategories::rawValue(category), filterOf(category), MatchTexts::categoryColor(category));
 
     m_rows->setNow(QDateTime::currentDateTimeUtc());
     m_rows->setGames(std::move(shown));

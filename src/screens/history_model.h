@@ -1,7 +1,8 @@
 #pragma once
 
+#include "game_data/game_category.h"
 #include "screens/match_list_model.h"
-#include "app/screen_model.h"
+#include "session/screen_model.h"
 
 #include <QVariantList>
 
@@ -10,7 +11,7 @@ class HistoryModel : public ScreenModel {
     Q_OBJECT
     QML_ELEMENT
 
-    Q_PROPERTY(int filter READ filter WRITE setFilter NOTIFY changed)
+    Q_PROPERTY(Filter filter READ filter WRITE setFilter NOTIFY changed)
     Q_PROPERTY(QVariantList chips READ chips NOTIFY changed)
     Q_PROPERTY(bool hasGames READ hasGames NOTIFY changed)
     Q_PROPERTY(double winPercent READ winPercent NOTIFY changed)
@@ -19,12 +20,24 @@ class HistoryModel : public ScreenModel {
     Q_PROPERTY(MatchListModel* rows READ rows CONSTANT)
 
 public:
-    static constexpr int allCategories = -1;
+    // Every game, or one category; a category keeps its GameCategory value.
+    enum class Filter {
+        All = -1,
+        Ranked = static_cast<int>(GameCategory::Ranked),
+        Mayhem = static_cast<int>(GameCategory::Mayhem),
+        Aram = static_cast<int>(GameCategory::Aram),
+        Arena = static_cast<int>(GameCategory::Arena),
+        Normal = static_cast<int>(GameCategory::Normal),
+        Other = static_cast<int>(GameCategory::Other),
+    };
+    Q_ENUM(Filter)
 
     explicit HistoryModel(QObject* parent = nullptr);
 
-    [[nodiscard]] int filter() const { return m_filter; }
-    void setFilter(int filter);
+    [[nodiscard]] static Filter filterOf(GameCategory category) { return static_cast<Filter>(category); }
+
+    [[nodiscard]] Filter filter() const { return m_filter; }
+    void setFilter(Filter filter);
     [[nodiscard]] const QVariantList& chips() const { return m_chips; }
     [[nodiscard]] bool hasGames() const { return m_rows->rowCount() > 0; }
     [[nodiscard]] double winPercent() const;
@@ -47,7 +60,7 @@ private:
 
     MatchListModel* m_rows;
     std::vector<Stats::Game> m_all;
-    int m_filter = allCategories;
+    Filter m_filter = Filter::All;
     int m_wins = 0;
     QVariantList m_chips;
 };

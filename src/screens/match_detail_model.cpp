@@ -7,10 +7,11 @@
 #include <QVariantMap>
 #include <algorithm>
 
-void MatchDetailModel::setMatchServerId(qint64 id) {
-    if (id == m_matchServerId)
+void MatchDetailModel::setMatchServerId(double id) {
+    const auto whole = static_cast<qint64>(id);
+    if (whole == m_matchServerId)
         return;
-    m_matchServerId = id;
+    m_matchServerId = whole;
     recompute();
 }
 

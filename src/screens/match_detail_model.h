@@ -1,7 +1,7 @@
 #pragma once
 
 #include "game_data/stats.h"
-#include "app/screen_model.h"
+#include "session/screen_model.h"
 
 #include <QColor>
 #include <QVariantList>
@@ -12,7 +12,8 @@ class MatchDetailModel : public ScreenModel {
     Q_OBJECT
     QML_ELEMENT
 
-    Q_PROPERTY(qint64 matchServerId READ matchServerId WRITE setMatchServerId NOTIFY changed)
+    // A QML number: backend ids are whole numbers far below 2^53, so a double holds each exactly.
+    Q_PROPERTY(double matchServerId READ matchServerId WRITE setMatchServerId NOTIFY changed)
     Q_PROPERTY(bool valid READ valid NOTIFY changed)
     Q_PROPERTY(QString championName READ championName NOTIFY changed)
     Q_PROPERTY(QString categoryChip READ categoryChip NOTIFY changed)
@@ -31,8 +32,8 @@ public:
 
     explicit MatchDetailModel(QObject* parent = nullptr) : ScreenModel(parent) {}
 
-    [[nodiscard]] qint64 matchServerId() const { return m_matchServerId; }
-    void setMatchServerId(qint64 id);
+    [[nodiscard]] double matchServerId() const { return static_cast<double>(m_matchServerId); }
+    void setMatchServerId(double id);
     [[nodiscard]] bool valid() const { return m_game.has_value(); }
     [[nodiscard]] QString championName() const;
     [[nodiscard]] QString categoryChip() const;

@@ -4,12 +4,15 @@
 
 #include <QAbstractListModel>
 #include <QDateTime>
+#include <QtQml/qqmlregistration.h>
 #include <vector>
 
 // One row per game of the user, as the match history and the overview list them. Texts are
 // formatted when a row is shown, so a long archive costs nothing until it is scrolled.
 class MatchListModel : public QAbstractListModel {
     Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("The history and the overview hand out their rows.")
 
 public:
     enum Role {

@@ -136,8 +136,8 @@ void OverviewModel::recompute() {
 
 void OverviewModel::computeHero(const std::vector<Stats::TimelineEntry>& timeline,
                                 const std::vector<Stats::ChampAgg>& champs) {
-    const QList<RiotAccountDTO> accounts = appState() ? appState()->riotAccounts() : QList<RiotAccountDTO>();
-    const RiotAccountDTO* first = accounts.isEmpty() ? nullptr : &accounts.first();
+    const QList<RiotAccountDto> accounts = appState() ? appState()->riotAccounts() : QList<RiotAccountDto>();
+    const RiotAccountDto* first = accounts.isEmpty() ? nullptr : &accounts.first();
     m_heroName = first && first->gameName ? *first->gameName : QStringLiteral("Summoner");
     m_heroTag = first && first->tagLine ? QStringLiteral("#") + *first->tagLine : QString();
     m_heroIconId = first && first->profileIconId ? int(*first->profileIconId) : -1;

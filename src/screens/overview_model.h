@@ -2,7 +2,7 @@
 
 #include "game_data/stats.h"
 #include "screens/match_list_model.h"
-#include "app/screen_model.h"
+#include "session/screen_model.h"
 
 #include <QColor>
 #include <QVariantList>

@@ -18,7 +18,7 @@ double percentOf(qint64 part, qint64 whole) {
 
 } // namespace
 
-void RankModel::setQueue(const QString& queue) {
+void RankModel::setQueue(Queue queue) {
     if (queue == m_queue)
         return;
     m_queue = queue;
@@ -26,10 +26,10 @@ void RankModel::setQueue(const QString& queue) {
 }
 
 QVariantList RankModel::queueChoices() const {
-    const auto choice = [this](const QString& label, const QString& value) {
-        return QVariantMap{{"label", label}, {"value", value}, {"selected", value == m_queue}};
+    const auto choice = [this](const QString& label, Queue value) {
+        return QVariantMap{{"label", label}, {"value", static_cast<int>(value)}, {"selected", value == m_queue}};
     };
-    return {choice(QStringLiteral("Solo/Duo"), soloQueue), choice(QStringLiteral("Flex"), flexQueue)};
+    return {choice(QStringLiteral("Solo/Duo"), Queue::Solo), choice(QStringLiteral("Flex"), Queue::Flex)};
 }
 
 std::vector<const LocalRankSnapshot*> RankModel::snapshotsOf(const ArchiveStore& store, const QString& queue) {
@@ -45,13 +45,13 @@ std::vector<const LocalRankSnapshot*> RankModel::snapshotsOf(const ArchiveStore&
     return result;
 }
 
-std::vector<LPPoint> RankModel::seriesOf(const std::vector<const LocalRankSnapshot*>& snapshots) {
-    std::vector<LPPoint> series;
+std::vector<LpPoint> RankModel::seriesOf(const std::vector<const LocalRankSnapshot*>& snapshots) {
+    std::vector<LpPoint> series;
     series.reserve(snapshots.size());
     for (const LocalRankSnapshot* snapshot : snapshots) {
         if (!snapshot->capturedAt)
             continue;
-        const std::optional<qint64> lp = RankMath::absoluteLP(snapshot->tier, snapshot->division, snapshot->lp);
+        const std::optional<qint64> lp = RankMath::absoluteLp(snapshot->tier, snapshot->division, snapshot->lp);
         if (!lp)
             continue;
         series.push_back({*snapshot->capturedAt, *lp, RankMath::label(snapshot->tier, snapshot->division)});
@@ -63,7 +63,7 @@ void RankModel::recompute() {
     m_current.reset();
     m_series.clear();
     if (store()) {
-        const std::vector<const LocalRankSnapshot*> filtered = snapshotsOf(*store(), m_queue);
+        const std::vector<const LocalRankSnapshot*> filtered = snapshotsOf(*store(), queueType(m_queue));
         if (!filtered.empty()) {
             const LocalRankSnapshot& newest = *filtered.back();
             m_current = Current{newest.tier, newest.division, newest.lp, newest.wins, newest.losses};
@@ -189,7 +189,7 @@ std::vector<qint64> RankModel::lpTicks(qint64 low, qint64 high, int wanted) {
 QString RankModel::pointCaption(int index) const {
     if (index < 0 || static_cast<std::size_t>(index) >= m_series.size())
         return {};
-    const LPPoint& point = m_series[static_cast<std::size_t>(index)];
+    const LpPoint& point = m_series[static_cast<std::size_t>(index)];
     return point.label + QStringLiteral(" · ") +
            QLocale().toString(point.date.toLocalTime().date(), QLocale::ShortFormat);
 }
@@ -203,7 +203,7 @@ void RankModel::layoutChart() {
         return;
 
     const auto [lowest, highest] = std::minmax_element(m_series.begin(), m_series.end(),
-                                                       [](const LPPoint& a, const LPPoint& b) { return a.lp < b.lp; });
+                                                       [](const LpPoint& a, const LpPoint& b) { return a.lp < b.lp; });
     // A little headroom so the line does not run along the frame.
     const qint64 pad = std::max<qint64>(10, (highest->lp - lowest->lp) / 10);
     const qint64 low = lowest->lp >= 0 ? std::max<qint64>(0, lowest->lp - pad) : lowest->lp - pad;

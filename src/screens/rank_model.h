@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/screen_model.h"
+#include "session/screen_model.h"
 
 #include <QDateTime>
 #include <QPointF>
@@ -9,7 +9,7 @@
 #include <vector>
 
 // One point of the LP chart: a snapshot's standing on the continuous scale.
-struct LPPoint {
+struct LpPoint {
     QDateTime date;
     qint64 lp = 0;
     QString label;
@@ -24,7 +24,7 @@ class RankModel : public ScreenModel {
     Q_OBJECT
     QML_ELEMENT
 
-    Q_PROPERTY(QString queue READ queue WRITE setQueue NOTIFY changed)
+    Q_PROPERTY(Queue queue READ queue WRITE setQueue NOTIFY changed)
     Q_PROPERTY(QVariantList queueChoices READ queueChoices NOTIFY changed)
 
     Q_PROPERTY(bool hasCurrent READ hasCurrent NOTIFY changed)
@@ -43,13 +43,19 @@ class RankModel : public ScreenModel {
     Q_PROPERTY(QVariantList xTicks READ xTicks NOTIFY changed)
 
 public:
+    enum class Queue { Solo, Flex };
+    Q_ENUM(Queue)
+
     static inline const QString soloQueue = QStringLiteral("RANKED_SOLO_5x5");
     static inline const QString flexQueue = QStringLiteral("RANKED_FLEX_SR");
 
     explicit RankModel(QObject* parent = nullptr) : ScreenModel(parent) {}
 
-    [[nodiscard]] const QString& queue() const { return m_queue; }
-    void setQueue(const QString& queue);
+    // The queue's name in the snapshots.
+    [[nodiscard]] static const QString& queueType(Queue queue) { return queue == Queue::Flex ? flexQueue : soloQueue; }
+
+    [[nodiscard]] Queue queue() const { return m_queue; }
+    void setQueue(Queue queue);
     [[nodiscard]] QVariantList queueChoices() const;
 
     [[nodiscard]] bool hasCurrent() const { return m_current.has_value(); }
@@ -63,7 +69,7 @@ public:
 
     // A line needs two points.
     [[nodiscard]] bool hasChart() const { return m_series.size() > 1; }
-    [[nodiscard]] const std::vector<LPPoint>& series() const { return m_series; }
+    [[nodiscard]] const std::vector<LpPoint>& series() const { return m_series; }
     // One point per entry of the series, in the unit square.
     [[nodiscard]] const QVariantList& chartPoints() const { return m_chartPoints; }
     // "Gold II · 3/2/25": what a hovered point tells.
@@ -76,7 +82,7 @@ public:
     [[nodiscard]] static std::vector<const LocalRankSnapshot*> snapshotsOf(const ArchiveStore& store,
                                                                            const QString& queue);
     // One point per dated snapshot whose tier is one of the ten, in the given order.
-    [[nodiscard]] static std::vector<LPPoint> seriesOf(const std::vector<const LocalRankSnapshot*>& snapshots);
+    [[nodiscard]] static std::vector<LpPoint> seriesOf(const std::vector<const LocalRankSnapshot*>& snapshots);
     // A smooth curve through the points (x increasing) that never overshoots between them.
     [[nodiscard]] static std::vector<QPointF> smoothLine(const std::vector<QPointF>& points, int stepsPerSegment);
     // Round tick values covering [low, high], about `wanted` of them, lowest first.
@@ -99,9 +105,9 @@ private:
         qint64 losses = 0;
     };
 
-    QString m_queue = soloQueue;
+    Queue m_queue = Queue::Solo;
     std::optional<Current> m_current;
-    std::vector<LPPoint> m_series;
+    std::vector<LpPoint> m_series;
     QVariantList m_chartPoints;
     QVariantList m_chartLine;
     QVariantList m_yTicks;

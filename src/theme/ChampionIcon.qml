@@ -42,12 +42,12 @@ Item {
             size: root.size * 0.55
             color: Qt.rgba(1, 1, 1, 0.85)
         }
-        Text {
+        // Initials as large as the tile allows, whatever its size.
+        ThemeText {
             anchors.centerIn: parent
             visible: root.name.length > 0
             text: Theme.initialsOf(root.name)
             color: "white"
-            font.family: Theme.fontFamily
             font.pixelSize: root.size * 0.36
             font.weight: Font.Black
         }
@@ -59,7 +59,8 @@ Item {
         source: root.name.length > 0 ? GameImages.champion(root.name, GameImages.version) : ""
         asynchronous: true
         cache: true
-        sourceSize: Qt.size(root.size * 2, root.size * 2)
+        sourceSize.width: root.size * 2
+        sourceSize.height: root.size * 2
         fillMode: Image.PreserveAspectCrop
         visible: false
     }

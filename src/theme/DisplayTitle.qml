@@ -1,10 +1,9 @@
 import QtQuick
 import QuillFern.Theme
 
-Text {
-    property real size: 26
-    font.family: Theme.fontFamily
-    font.pixelSize: size
+// A title in the heavy display cut: the section's name, a rank, the app's name.
+ThemeText {
+    role: Theme.DisplayLarge
     font.weight: Font.Bold
     font.letterSpacing: -0.5
     color: "white"

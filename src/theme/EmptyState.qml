@@ -8,7 +8,7 @@ Column {
     property string title
     property string message
 
-    spacing: 10
+    spacing: Theme.controlSpacing
     width: 420
 
     Symbol {
@@ -17,21 +17,18 @@ Column {
         size: 34
         color: Theme.textDim
     }
-    Text {
+    ThemeText {
+        role: Theme.Subtitle
         anchors.horizontalCenter: parent.horizontalCenter
         text: root.title
-        color: Theme.text
-        font.family: Theme.fontFamily
-        font.pixelSize: 17
         font.weight: Font.DemiBold
     }
-    Text {
+    ThemeText {
+        role: Theme.Body
         width: parent.width
         visible: root.message.length > 0
         text: root.message
         color: Theme.textSecondary
-        font.family: Theme.fontFamily
-        font.pixelSize: 13
         horizontalAlignment: Text.AlignHCenter
         wrapMode: Text.Wrap
     }

@@ -4,7 +4,7 @@ import QuillFern.Theme
 // The glass surface of cards: a translucent dark fill, a soft top highlight and a fine outline.
 Rectangle {
     id: root
-    property real cornerRadius: 16
+    property real cornerRadius: Theme.cardRadius
     property color tint: "transparent"
 
     radius: cornerRadius

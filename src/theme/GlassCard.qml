@@ -4,7 +4,7 @@ import QuillFern.Theme
 // A padded glass card around its content.
 Item {
     id: root
-    property real radius: 18
+    property real radius: Theme.panelRadius
     property real padding: 16
     property color tint: "transparent"
     default property alias content: holder.data

@@ -10,15 +10,13 @@ GlassCard {
 
     Column {
         width: parent.width
-        spacing: 12
+        spacing: Theme.cardSpacing
         Row {
-            spacing: 8
+            spacing: Theme.itemSpacing
             Symbol { name: root.icon; size: 14; color: Theme.gold }
-            Text {
+            ThemeText {
+                role: Theme.Callout
                 text: root.title
-                color: Theme.text
-                font.family: Theme.fontFamily
-                font.pixelSize: 14
                 font.weight: Font.DemiBold
             }
         }

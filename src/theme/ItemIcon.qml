@@ -24,6 +24,7 @@ Item {
         visible: root.itemId !== 0 && status === Image.Ready
         source: root.itemId !== 0 ? GameImages.item(root.itemId, GameImages.version) : ""
         asynchronous: true
-        sourceSize: Qt.size(root.size * 2, root.size * 2)
+        sourceSize.width: root.size * 2
+        sourceSize.height: root.size * 2
     }
 }

@@ -9,9 +9,9 @@ Row {
     Repeater {
         model: root.items
         ItemIcon {
-            required property var modelData
+            required property int modelData
             itemId: modelData
-            size: root.size
+            size: root.size // qmllint disable unqualified
         }
     }
 }

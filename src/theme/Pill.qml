@@ -12,13 +12,12 @@ Rectangle {
     radius: height / 2
     color: Qt.rgba(tint.r, tint.g, tint.b, 0.16)
 
-    Text {
+    ThemeText {
         id: label
+        role: Theme.Caption
         anchors.centerIn: parent
         text: root.text
         color: root.tint
-        font.family: Theme.fontFamily
-        font.pixelSize: 11
         font.weight: Font.DemiBold
     }
 }

@@ -1,10 +1,9 @@
 import QtQuick
 import QuillFern.Theme
 
-Text {
-    property real size: 11
-    font.family: Theme.fontFamily
-    font.pixelSize: size
+// The small upper-case heading over a group.
+ThemeText {
+    role: Theme.Caption
     font.weight: Font.Bold
     font.letterSpacing: 0.7
     font.capitalization: Font.AllUppercase

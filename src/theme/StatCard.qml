@@ -13,26 +13,23 @@ GlassCard {
 
     Column {
         width: parent.width
-        spacing: 8
+        spacing: Theme.itemSpacing
         SectionLabel { text: root.title; width: parent.width }
         Row {
-            spacing: 4
-            Text {
+            spacing: Theme.smallSpacing
+            ThemeText {
                 id: valueText
+                role: Theme.Display
                 text: root.value
-                color: Theme.text
-                font.family: Theme.fontFamily
-                font.pixelSize: 24
                 font.weight: Font.Bold
                 font.letterSpacing: -0.5
             }
-            Text {
+            ThemeText {
+                role: Theme.Footnote
                 anchors.baseline: valueText.baseline
                 visible: root.unit.length > 0
                 text: root.unit
                 color: Theme.textSecondary
-                font.family: Theme.fontFamily
-                font.pixelSize: 12
                 font.weight: Font.Medium
             }
         }

@@ -26,7 +26,8 @@ Item {
         anchors.fill: parent
         source: root.iconId >= 0 ? GameImages.profileIcon(root.iconId, GameImages.version) : ""
         asynchronous: true
-        sourceSize: Qt.size(root.size * 2, root.size * 2)
+        sourceSize.width: root.size * 2
+        sourceSize.height: root.size * 2
         visible: false
     }
     Rectangle {

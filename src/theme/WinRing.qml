@@ -42,22 +42,20 @@ Item {
         }
     }
 
+    // The texts grow with the ring rather than following the type scale.
     Column {
         anchors.centerIn: parent
-        Text {
+        ThemeText {
             anchors.horizontalCenter: parent.horizontalCenter
             text: Theme.ringText(root.pct)
-            color: Theme.text
-            font.family: Theme.fontFamily
             font.pixelSize: root.size * 0.27
             font.weight: Font.Bold
         }
-        Text {
+        ThemeText {
             anchors.horizontalCenter: parent.horizontalCenter
             visible: root.sub.length > 0
             text: root.sub
             color: Theme.textDim
-            font.family: Theme.fontFamily
             font.pixelSize: root.size * 0.15
             font.weight: Font.DemiBold
         }

@@ -5,7 +5,7 @@
 GameImages* GameImages::create(QQmlEngine*, QJSEngine*) {
     // The application normally hands QML its own instance; a bare QML test gets a default one.
     if (!s_instance)
-        s_instance = new GameImages(DDragon());
+        s_instance = new GameImages(DataDragon());
     QJSEngine::setObjectOwnership(s_instance, QJSEngine::CppOwnership);
     return s_instance;
 }

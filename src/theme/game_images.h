@@ -1,6 +1,6 @@
 #pragma once
 
-#include "game_data/ddragon.h"
+#include "game_data/data_dragon.h"
 
 #include <QObject>
 #include <QUrl>
@@ -22,28 +22,28 @@ class GameImages : public QObject {
 public:
     // Not default-constructible on purpose: QML would otherwise make its own instance instead
     // of asking create() for the application's.
-    explicit GameImages(DDragon ddragon, QObject* parent = nullptr) : QObject(parent), m_ddragon(std::move(ddragon)) {}
+    explicit GameImages(DataDragon dataDragon, QObject* parent = nullptr) : QObject(parent), m_dataDragon(std::move(dataDragon)) {}
 
     static void exposeToQml(GameImages* instance) { s_instance = instance; }
     static GameImages* create(QQmlEngine*, QJSEngine*);
 
-    void setDDragon(DDragon ddragon) { m_ddragon = std::move(ddragon); }
+    void setDataDragon(DataDragon dataDragon) { m_dataDragon = std::move(dataDragon); }
     void setVersion(const QString& version);
     [[nodiscard]] const QString& version() const { return m_version; }
 
     Q_INVOKABLE QUrl champion(const QString& name, const QString& version) const {
-        return m_ddragon.championIcon(name, version);
+        return m_dataDragon.championIcon(name, version);
     }
-    Q_INVOKABLE QUrl item(qint64 id, const QString& version) const { return m_ddragon.itemIcon(id, version); }
+    Q_INVOKABLE QUrl item(qint64 id, const QString& version) const { return m_dataDragon.itemIcon(id, version); }
     Q_INVOKABLE QUrl profileIcon(qint64 id, const QString& version) const {
-        return m_ddragon.profileIcon(id, version);
+        return m_dataDragon.profileIcon(id, version);
     }
 
 Q_SIGNALS:
     void versionChanged();
 
 private:
-    DDragon m_ddragon;
+    DataDragon m_dataDragon;
     QString m_version = QStringLiteral("16.11.1");
     static inline GameImages* s_instance = nullptr;
 };

@@ -11,6 +11,26 @@ QVariantList toList(const Theme::Pair& pair) {
 
 } // namespace
 
+int Theme::pixelSize(TextRole role) {
+    switch (role) {
+    case Micro: return 9;
+    case Small: return 10;
+    case Caption: return 11;
+    case Footnote: return 12;
+    case Body: return 13;
+    case Callout: return 14;
+    case Emphasis: return 15;
+    case Headline: return 16;
+    case Subtitle: return 17;
+    case Figure: return 18;
+    case Title: return 20;
+    case Display: return 24;
+    case DisplayLarge: return 26;
+    case Brand: return 28;
+    }
+    return 13; // a role from elsewhere reads as body text
+}
+
 Theme::Pair Theme::tierPair(const QString& tier) {
     const QString key = tier.toUpper();
     if (key == QLatin1String("IRON")) return {QColor(125, 125, 125), QColor(74, 74, 74)};

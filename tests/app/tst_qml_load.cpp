@@ -12,6 +12,7 @@
 
 Q_IMPORT_QML_PLUGIN(QuillFern_AppPlugin)
 Q_IMPORT_QML_PLUGIN(QuillFern_ThemePlugin)
+Q_IMPORT_QML_PLUGIN(QuillFern_SessionPlugin)
 Q_IMPORT_QML_PLUGIN(QuillFern_ScreensPlugin)
 
 namespace {
@@ -59,13 +60,13 @@ private Q_SLOTS:
         options.games = 60;
         const SyntheticArchive archive(options);
         QJsonArray accounts;
-        for (const RiotAccountDTO& a : archive.ownerAccounts())
+        for (const RiotAccountDto& a : archive.ownerAccounts())
             accounts.append(QJsonObject{{"id", a.id}, {"puuid", a.puuid}, {"platform", a.platform}, {"region", a.region},
                                         {"game_name", a.gameName.value_or(QString())}, {"tag_line", a.tagLine.value_or(QString())}});
         m_fixture = std::make_unique<ScreenFixture>(accounts);
         archive.fill(*m_fixture->store);
         AppState::exposeToQml(m_fixture->state.get());
-        m_images = std::make_unique<GameImages>(m_fixture->state->ddragon());
+        m_images = std::make_unique<GameImages>(m_fixture->state->staticData().dataDragon());
         GameImages::exposeToQml(m_images.get());
     }
 
@@ -79,25 +80,29 @@ private Q_SLOTS:
             " GroupCard { width: 300; title: \"Group\"; icon: \"person.3\"; Text { text: \"body\" } }\n"
             " DisplayTitle { text: \"Title\" }\n Pill { text: \"pill\" }\n"
             " StatCard { width: 200; title: \"KDA Ratio\"; value: \"4.89\"; unit: \"/ min\"; meter: 40 }\n"
-            " KDALine { kills: 3; deaths: 1; assists: 7 }\n"
+            " KdaLine { kills: 3; deaths: 1; assists: 7 }\n"
             " WinRing { pct: 0 }\n WinRing { pct: 150; sub: \"RANKED\" }\n"
-            " WLBar { width: 100; wins: 0; losses: 3 }\n WLBar { width: 100; wins: 0; losses: 0 }\n"
+            " WlBar { width: 100; wins: 0; losses: 3 }\n WlBar { width: 100; wins: 0; losses: 0 }\n"
             " MeterBar { width: 100; pct: 250 }\n HexGem { width: 30; height: 34 }\n"
             " RankGem { tier: \"gold\" }\n RankGem { tier: \"\" }\n Chevron {}\n"
             " ChampionIcon { name: \"Lee Sin\"; ring: true }\n ChampionIcon { name: \"\" }\n"
             " SummonerAvatar { iconId: 4568; fallbackChampion: \"Ahri\" }\n SummonerAvatar { fallbackChampion: \"\" }\n"
             " ItemIcon { itemId: 0 }\n ItemRow { items: [3031, 0, 6672] }\n"
             " EmptyState { icon: \"person.3\"; title: \"No champion data\"; message: \"Sync\" }\n"
-            " Symbol { name: \"lock.fill\" }\n}\n";
+            " Symbol { name: \"lock.fill\" }\n ThemeText { role: Theme.Caption; text: \"caption\" }\n}\n";
         QTest::newRow("theme components") << QString::fromLatin1(themeParts);
-        for (const char* screen : {"HistoryView", "OverviewView", "ChampionsView", "RankView"})
-            QTest::newRow(screen) << QStringLiteral("import QtQuick\nimport QuillFern.App\nimport QuillFern.Screens\n"
-                                                    "%1 { width: 1000; height: 700; appState: AppState }\n").arg(QLatin1String(screen));
-        QTest::newRow("match detail") << QStringLiteral("import QtQuick\nimport QuillFern.App\nimport QuillFern.Screens\n"
-                                                         "MatchDetailView { width: 940; height: 720; appState: AppState; matchServerId: 5 }\n");
-        QTest::newRow("overview of an empty archive") << QStringLiteral(
-            "import QtQuick\nimport QuillFern.App\nimport QuillFern.Screens\n"
-            "OverviewView { width: 1000; height: 700; linkCard: Component { AddAccountCard {} } }\n");
+        const QString imports = QStringLiteral(
+            "import QtQuick\nimport QuillFern.App\nimport QuillFern.Screens\nimport QuillFern.Session\n");
+        for (const char* screen : {"HistoryView", "ChampionsView", "RankView"})
+            QTest::newRow(screen) << imports + QStringLiteral("%1 { width: 1000; height: 700; appState: AppState }\n")
+                                                   .arg(QLatin1String(screen));
+        QTest::newRow("OverviewView") << imports + "OverviewView { width: 1000; height: 700; appState: AppState; "
+                                                   "linkCard: Component { AddAccountCard {} } }\n";
+        QTest::newRow("match detail") << imports + "MatchDetailView { width: 940; height: 720; appState: AppState; "
+                                                   "matchServerId: 5 }\n";
+        QTest::newRow("overview of an empty archive")
+            << imports + "OverviewView { width: 1000; height: 700; appState: null; "
+                         "linkCard: Component { AddAccountCard {} } }\n";
     }
     void screens() {
         QFETCH(QString, source);

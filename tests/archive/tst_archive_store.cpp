@@ -47,20 +47,20 @@ private Q_SLOTS:
         QFETCH(QString, shown);
         QJsonObject json = participant(1, 1, puuid);
         json["riot_id_game_name"] = gameName;
-        QCOMPARE(LocalParticipant(dtoOf<ParticipantDTO>(json)).displayName(), shown);
+        QCOMPARE(LocalParticipant(dtoOf<ParticipantDto>(json)).displayName(), shown);
     }
 
     void rankedFlagKeptWhenAbsent() {
         QJsonObject json = match(1, 420);
         json.remove("is_ranked");
-        QVERIFY(!LocalMatch(dtoOf<MatchDTO>(json)).isRanked);
+        QVERIFY(!LocalMatch(dtoOf<MatchDto>(json)).isRanked);
 
-        LocalMatch stored(dtoOf<MatchDTO>(match(1, 420)));
+        LocalMatch stored(dtoOf<MatchDto>(match(1, 420)));
         QVERIFY(stored.isRanked);
-        stored.update(dtoOf<MatchDTO>(json));
+        stored.update(dtoOf<MatchDto>(json));
         QVERIFY(stored.isRanked);
         json["is_ranked"] = false;
-        stored.update(dtoOf<MatchDTO>(json));
+        stored.update(dtoOf<MatchDto>(json));
         QVERIFY(!stored.isRanked);
     }
 
@@ -76,29 +76,29 @@ private Q_SLOTS:
         QFETCH(QJsonObject, components);
         QJsonObject json = score(1, 2, 3);
         json["components"] = components;
-        const PerformanceScoreDTO dto = dtoOf<PerformanceScoreDTO>(json);
+        const PerformanceScoreDto dto = dtoOf<PerformanceScoreDto>(json);
         const LocalPerformanceScore stored(dto);
-        const QJsonObject written = QJsonDocument::fromJson(stored.componentsJSON.toUtf8()).object();
+        const QJsonObject written = QJsonDocument::fromJson(stored.componentsJson.toUtf8()).object();
         QCOMPARE(written.size(), dto.components.size());
         for (auto it = dto.components.constBegin(); it != dto.components.constEnd(); ++it)
             QCOMPARE(written.value(it.key()).toDouble(), it.value());
-        QVERIFY(LocalPerformanceScore().componentsJSON == "{}" && LocalPerformanceScore().baselineKind == "self");
+        QVERIFY(LocalPerformanceScore().componentsJson == "{}" && LocalPerformanceScore().baselineKind == "self");
     }
 
     void everythingSurvivesReopening() {
         qint64 matchLocalId = 0;
         {
             ArchiveStore store(m_path);
-            matchLocalId = store.matches().insert(std::make_unique<LocalMatch>(dtoOf<MatchDTO>(match(11))))->localId;
+            matchLocalId = store.matches().insert(std::make_unique<LocalMatch>(dtoOf<MatchDto>(match(11))))->localId;
             QJsonObject bare = participant(21, 11, "p-bare");
             for (const char* key : {"riot_id_game_name", "riot_id_tag_line", "team_position", "champ_level", "items",
                                     "team_damage_pct", "kill_participation", "cs_per_min", "rank_tier",
                                     "rank_division", "rank_lp"})
                 bare.remove(key);
-            store.participants().insert(std::make_unique<LocalParticipant>(dtoOf<ParticipantDTO>(participant(20, 11, "p-full"))));
-            store.participants().insert(std::make_unique<LocalParticipant>(dtoOf<ParticipantDTO>(bare)));
-            store.rankSnapshots().insert(std::make_unique<LocalRankSnapshot>(dtoOf<RankSnapshotDTO>(snapshot(30, 1))));
-            store.performanceScores().insert(std::make_unique<LocalPerformanceScore>(dtoOf<PerformanceScoreDTO>(score(40, 1, 11))));
+            store.participants().insert(std::make_unique<LocalParticipant>(dtoOf<ParticipantDto>(participant(20, 11, "p-full"))));
+            store.participants().insert(std::make_unique<LocalParticipant>(dtoOf<ParticipantDto>(bare)));
+            store.rankSnapshots().insert(std::make_unique<LocalRankSnapshot>(dtoOf<RankSnapshotDto>(snapshot(30, 1))));
+            store.performanceScores().insert(std::make_unique<LocalPerformanceScore>(dtoOf<PerformanceScoreDto>(score(40, 1, 11))));
             store.save();
         }
         ArchiveStore store(m_path);
@@ -126,14 +126,14 @@ private Q_SLOTS:
         QVERIFY(snap->capturedAt);
         const LocalPerformanceScore* s = store.performanceScores().all().front();
         QCOMPARE(s->score, 61.5);
-        QCOMPARE(QJsonDocument::fromJson(s->componentsJSON.toUtf8()).object().value("killParticipation").toDouble(), 0.64);
+        QCOMPARE(QJsonDocument::fromJson(s->componentsJson.toUtf8()).object().value("killParticipation").toDouble(), 0.64);
     }
 
     void updatesAndDeletionsPersist() {
         {
             ArchiveStore store(m_path);
             for (int id = 1; id <= 3; ++id)
-                store.matches().insert(std::make_unique<LocalMatch>(dtoOf<MatchDTO>(match(id))));
+                store.matches().insert(std::make_unique<LocalMatch>(dtoOf<MatchDto>(match(id))));
             store.save();
             LocalMatch* second = store.matches().withServerIds({2}).front();
             second->gameDuration = 42;
@@ -147,7 +147,7 @@ private Q_SLOTS:
             QCOMPARE(store.matches().withServerIds({2}).front()->gameDuration, 42);
             QVERIFY(store.matches().withServerIds({3}).empty());
             store.matches().removeAll();
-            store.matches().insert(std::make_unique<LocalMatch>(dtoOf<MatchDTO>(match(9))));
+            store.matches().insert(std::make_unique<LocalMatch>(dtoOf<MatchDto>(match(9))));
             store.save();
         }
         ArchiveStore store(m_path);
@@ -167,9 +167,9 @@ private Q_SLOTS:
 
     void failedSaveKeepsChangesPending() {
         ArchiveStore store(m_path);
-        store.matches().insert(std::make_unique<LocalMatch>(dtoOf<MatchDTO>(match(1))));
+        store.matches().insert(std::make_unique<LocalMatch>(dtoOf<MatchDto>(match(1))));
         store.save();
-        store.matches().insert(std::make_unique<LocalMatch>(dtoOf<MatchDTO>(match(2))));
+        store.matches().insert(std::make_unique<LocalMatch>(dtoOf<MatchDto>(match(2))));
         QVERIFY(sqlite3_exec(store.database().handle(), "PRAGMA query_only = 1", nullptr, nullptr, nullptr) == SQLITE_OK);
         QVERIFY_THROWS_EXCEPTION(StoreError, store.save());
         QVERIFY(store.hasChanges());
@@ -221,8 +221,8 @@ private Q_SLOTS:
 
     void duplicateServerIdsAreFetchedOldestFirst() {
         ArchiveStore store(m_path);
-        LocalMatch* a = store.matches().insert(std::make_unique<LocalMatch>(dtoOf<MatchDTO>(match(5))));
-        LocalMatch* b = store.matches().insert(std::make_unique<LocalMatch>(dtoOf<MatchDTO>(match(5))));
+        LocalMatch* a = store.matches().insert(std::make_unique<LocalMatch>(dtoOf<MatchDto>(match(5))));
+        LocalMatch* b = store.matches().insert(std::make_unique<LocalMatch>(dtoOf<MatchDto>(match(5))));
         const auto found = store.matches().withServerIds({5});
         QCOMPARE(found.size(), std::size_t(2));
         QCOMPARE(found[0], a);

@@ -169,10 +169,10 @@ private Q_SLOTS:
         if (storedVersion.isValid())
             (*m_settings)->setValue("quill.mirrorVersion", storedVersion);
         (*m_settings)->setValue("quill.syncCursor", "old");
-        m_store->matches().insert(std::make_unique<LocalMatch>(MatchDTO{.id = 99}));
-        m_store->participants().insert(std::make_unique<LocalParticipant>(ParticipantDTO{.id = 98, .matchId = 99}));
-        m_store->rankSnapshots().insert(std::make_unique<LocalRankSnapshot>(RankSnapshotDTO{.id = 97}));
-        m_store->performanceScores().insert(std::make_unique<LocalPerformanceScore>(PerformanceScoreDTO{.id = 96}));
+        m_store->matches().insert(std::make_unique<LocalMatch>(MatchDto{.id = 99}));
+        m_store->participants().insert(std::make_unique<LocalParticipant>(ParticipantDto{.id = 98, .matchId = 99}));
+        m_store->rankSnapshots().insert(std::make_unique<LocalRankSnapshot>(RankSnapshotDto{.id = 97}));
+        m_store->performanceScores().insert(std::make_unique<LocalPerformanceScore>(PerformanceScoreDto{.id = 96}));
         m_store->save();
         servePages({{"", FakeResponse::json(page({match(1)}))}, {"old", FakeResponse::json(page({match(1)}))}});
 

@@ -88,15 +88,15 @@ private Q_SLOTS:
     void riotId() {
         QFETCH(QByteArray, json);
         QFETCH(QString, riotId);
-        QCOMPARE(decode<RiotAccountDTO>(json).riotId(), riotId);
+        QCOMPARE(decode<RiotAccountDto>(json).riotId(), riotId);
     }
 
     void optionalNullsAreAbsent() {
-        const auto account = decode<RiotAccountDTO>(
+        const auto account = decode<RiotAccountDto>(
             R"({"id":1,"puuid":"p","platform":"euw1","region":"europe","is_owner":null,"profile_icon_id":null,"summoner_level":null})");
         QVERIFY(!account.isOwner && !account.profileIconId && !account.summonerLevel);
 
-        const auto match = decode<MatchDTO>(
+        const auto match = decode<MatchDto>(
             R"({"id":3,"match_id":"EUW1_1","platform":"EUW1","queue_id":420,"game_duration":1799,"season":null,"game_version":null,"updated_at":null})");
         QVERIFY(!match.season && !match.gameVersion && !match.updatedAt && !match.isRanked);
     }
@@ -105,15 +105,15 @@ private Q_SLOTS:
         const QByteArray head =
             R"({"id":1,"match_id":3,"puuid":"p","team_id":100,"win":true,"champion_id":103,"champion_name":"Ahri",)"
             R"("kills":1,"deaths":0,"assists":2,"total_cs":10,"gold_earned":500,"vision_score":1,"damage_to_champions":900)";
-        QVERIFY(!decode<ParticipantDTO>(head + R"(,"items":null})").items);
-        QVERIFY(!decode<ParticipantDTO>(head + "}").items);
-        const auto empty = decode<ParticipantDTO>(head + R"(,"items":[]})").items;
+        QVERIFY(!decode<ParticipantDto>(head + R"(,"items":null})").items);
+        QVERIFY(!decode<ParticipantDto>(head + "}").items);
+        const auto empty = decode<ParticipantDto>(head + R"(,"items":[]})").items;
         QVERIFY(empty && empty->isEmpty());
-        QCOMPARE(*decode<ParticipantDTO>(head + R"(,"items":[3089,0,3020]})").items, (QList<qint64>{3089, 0, 3020}));
+        QCOMPARE(*decode<ParticipantDto>(head + R"(,"items":[3089,0,3020]})").items, (QList<qint64>{3089, 0, 3020}));
     }
 
     void realMapsKeepValuesAndConvertKeys() {
-        const auto score = decode<PerformanceScoreDTO>(
+        const auto score = decode<PerformanceScoreDto>(
             R"({"id":1,"riot_account_id":2,"match_id":3,"champion_id":4,"score":0.1,)"
             R"("components":{"kill_participation":-1.5e-3,"visionScore":7,"c":123456.789012345},"baseline_kind":"self"})");
         QCOMPARE(score.score, 0.1);

@@ -8,7 +8,7 @@ namespace {
 
 QString failureOf(const QByteArray& json) {
     try {
-        (void)decodeRecord<UserDTO>(json);
+        (void)decodeRecord<UserDto>(json);
     } catch (const DecodingFailure& failure) {
         return failure.text();
     }
@@ -47,7 +47,7 @@ private Q_SLOTS:
     void strings() {
         QFETCH(QByteArray, wire);
         QFETCH(QString, text);
-        QCOMPARE(decodeRecord<UserDTO>("{\"id\":1,\"email\":" + wire + "}").email, text);
+        QCOMPARE(decodeRecord<UserDto>("{\"id\":1,\"email\":" + wire + "}").email, text);
     }
 
     void malformed_data() {
@@ -102,7 +102,7 @@ private Q_SLOTS:
         if (outcome == QLatin1String("rejected"))
             QVERIFY2(failureOf(json).contains(QStringLiteral("an integer")), qPrintable(failureOf(json)));
         else
-            QCOMPARE(QString::number(decodeRecord<UserDTO>(json).id), outcome);
+            QCOMPARE(QString::number(decodeRecord<UserDto>(json).id), outcome);
     }
 
     void laterSpellingOfAKeyWins_data() {
@@ -165,7 +165,7 @@ private Q_SLOTS:
 
     void objectsFromQtKeepEveryDigit() {
         const QJsonObject object{{"id", qint64(9007199254740993)}, {"email", "a@b.c"}, {"name", QJsonValue::Null}};
-        const UserDTO user = UserDTO::decode(JsonReader(object));
+        const UserDto user = UserDto::decode(JsonReader(object));
         QCOMPARE(user.id, qint64(9007199254740993));
         QVERIFY(!user.name);
     }

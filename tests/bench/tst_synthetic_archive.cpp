@@ -58,15 +58,15 @@ private Q_SLOTS:
             const int page = archive.pageForCursor(cursor);
             QVERIFY2(page >= 0, qPrintable(cursor));
             const SyncResponse response = decodeRecord<SyncResponse>(archive.pageBody(page));
-            for (const MatchDTO& m : response.matches)
+            for (const MatchDto& m : response.matches)
                 matches.insert(m.id);
-            for (const ParticipantDTO& p : response.participants) {
+            for (const ParticipantDto& p : response.participants) {
                 QVERIFY2(matches.contains(p.matchId), "a participant arrived before its game");
                 participants.insert(p.id);
             }
-            for (const PerformanceScoreDTO& s : response.performanceScores)
+            for (const PerformanceScoreDto& s : response.performanceScores)
                 scores.insert(s.id);
-            for (const RankSnapshotDTO& r : response.rankSnapshots)
+            for (const RankSnapshotDto& r : response.rankSnapshots)
                 snapshotIds.insert(r.id);
             QVERIFY(response.nextCursor);
             cursor = *response.nextCursor;

@@ -114,7 +114,7 @@ private Q_SLOTS:
         QFETCH(qint64, lp);
         QFETCH(qint64, absolute);
         QFETCH(QString, label);
-        const auto value = RankMath::absoluteLP(tier, division, lp);
+        const auto value = RankMath::absoluteLp(tier, division, lp);
         QCOMPARE(value.value_or(-1), absolute);
         QCOMPARE(RankMath::label(tier, division), label);
     }

@@ -1,4 +1,4 @@
-#include "app/app_state.h"
+#include "session/app_state.h"
 #include "archive/archive_store.h"
 #include "league_client/client_import.h"
 #include "support/archive_json.h"
@@ -87,7 +87,7 @@ class TestClientImport : public QObject {
 
     QString importOnce() {
         runTask(m_state->importFromClient());
-        return m_state->lcuStatus().value_or(QStringLiteral("<none>"));
+        return m_state->lcuStatus();
     }
 
     QStringList storedIds() const { return sorted((*m_settings)->value(processedKey).toStringList()); }
@@ -179,7 +179,7 @@ private Q_SLOTS:
         QCOMPARE(changed.count(), 1);
         QVERIFY(m_backend->requests().isEmpty());
         QCOMPARE(storedIds(), QStringList{"1"});
-        QVERIFY(!m_state->errorMessage());
+        QVERIFY(!m_state->hasError());
         if (lockfile.isNull())
             QVERIFY(m_lcu->requests().isEmpty());
     }
@@ -227,7 +227,7 @@ private Q_SLOTS:
         QCOMPARE(importOnce(), QStringLiteral("client: +0 games"));
 
         QCOMPARE(storedIds(), (QStringList{"500", "501", "502", "9"}));
-        QVERIFY(!m_state->errorMessage());
+        QVERIFY(!m_state->hasError());
         QCOMPARE(m_state->client().authToken(), std::optional<QString>(backendToken));
         QCOMPARE(importOnce(), QStringLiteral("client: up to date"));
     }
@@ -249,7 +249,7 @@ private Q_SLOTS:
 
         runTask(m_state->loginWithLeague());
 
-        QCOMPARE(m_state->errorMessage(), std::optional<QString>(message));
+        QCOMPARE(m_state->errorMessage(), message);
         QCOMPARE(m_state->phase(), AppState::Phase::SignedOut);
         QCOMPARE(backendPaths(), QStringList());
         QVERIFY(!(*m_settings)->contains("authToken"));
@@ -299,14 +299,14 @@ private Q_SLOTS:
         // A first press without an answer from the client leaves its message; the second clears it.
         m_lcu->serve(QStringLiteral("/lol-summoner/v1/current-summoner"), FakeResponse::text(503, "starting"));
         runTask(m_state->loginWithLeague());
-        QCOMPARE(m_state->errorMessage(), std::optional<QString>(QStringLiteral("League client returned 503.")));
+        QCOMPARE(m_state->errorMessage(), QStringLiteral("League client returned 503."));
 
         serveIdentity("{\"puuid\":\"p-1\",\"gameName\":\"Ada\",\"tagLine\":\"EUW\"}", "{\"region\":\"EUW\"}");
         QSignalSpy errors(m_state.get(), &AppState::errorMessageChanged);
         runTask(m_state->loginWithLeague());
 
         QVERIFY(errors.count() >= 1);
-        QVERIFY(!m_state->errorMessage());
+        QVERIFY(!m_state->hasError());
         QCOMPARE(m_state->phase(), AppState::Phase::SignedIn);
         QCOMPARE((*m_settings)->value("authToken").toString(), QStringLiteral("tok-league"));
         QCOMPARE(m_state->client().authToken(), std::optional<QString>(QStringLiteral("tok-league")));
@@ -314,7 +314,7 @@ private Q_SLOTS:
         QCOMPARE(backendPaths(), (QStringList{"POST /api/auth/league", "POST /api/riot-accounts/refresh",
                                               "POST " + ingestPath, "GET /api/sync", "GET /api/stats/duos"}));
         QCOMPARE(m_backend->requestsTo(ingestPath).first().header("Authorization"), QByteArray("Bearer tok-league"));
-        QCOMPARE(m_state->lcuStatus(), std::optional<QString>(QStringLiteral("client: +2 games")));
+        QCOMPARE(m_state->lcuStatus(), QStringLiteral("client: +2 games"));
         verifyCredentialsStayApart();
     }
 };

@@ -40,7 +40,7 @@ QJsonObject parsed(const QByteArray& json) {
 
 } // namespace
 
-class TestLCUClient : public QObject {
+class TestLcuClient : public QObject {
     Q_OBJECT
 
     QTemporaryDir m_dir;
@@ -50,11 +50,11 @@ class TestLCUClient : public QObject {
     QString secondLockfile() const { return m_dir.filePath(QStringLiteral("second/lockfile")); }
 
     // Discovery that finds the fake client through its lockfile and nothing in the process list.
-    LCUDiscovery::Sources fakeSources() {
+    LcuDiscovery::Sources fakeSources() {
         FakeLeagueClient::writeFile(firstLockfile(), m_fake->lockfileText());
         return {{firstLockfile(), secondLockfile()}, [] { return std::optional<QByteArray>(QByteArray()); }};
     }
-    LCUClient::Lockfile fakeLock() const { return {m_fake->port(), m_fake->password()}; }
+    LcuClient::Lockfile fakeLock() const { return {m_fake->port(), m_fake->password()}; }
 
 private Q_SLOTS:
     void initTestCase() {
@@ -123,14 +123,14 @@ private Q_SLOTS:
         if (!second.isNull())
             FakeLeagueClient::writeFile(secondLockfile(), second);
         int listings = 0;
-        LCUDiscovery::Sources sources{{firstLockfile(), secondLockfile()}, [&]() -> std::optional<QByteArray> {
+        LcuDiscovery::Sources sources{{firstLockfile(), secondLockfile()}, [&]() -> std::optional<QByteArray> {
                                           ++listings;
                                           if (processes.isNull())
                                               return std::nullopt;
                                           return processes;
                                       }};
 
-        const std::optional<LCUClient::Lockfile> lock = LCUClient(sources).discover();
+        const std::optional<LcuClient::Lockfile> lock = LcuClient(sources).discover();
 
         QCOMPARE(lock.has_value(), port >= 0);
         if (lock) {
@@ -141,7 +141,7 @@ private Q_SLOTS:
     }
 
     void processListingShowsThisProcess() {
-        const std::optional<QByteArray> output = LCUDiscovery::listProcesses();
+        const std::optional<QByteArray> output = LcuDiscovery::listProcesses();
         QVERIFY(output);
         QVERIFY(output->contains(QFileInfo(QCoreApplication::applicationFilePath()).fileName().toUtf8()));
     }
@@ -157,7 +157,7 @@ private Q_SLOTS:
         QFETCH(QString, failure);
         const QByteArray body = status == 204 ? QByteArray() : QByteArray("{\"x\":1}");
         m_fake->serve(QStringLiteral("/probe/path"), FakeResponse{status, body, {}});
-        LCUClient client(fakeSources());
+        LcuClient client(fakeSources());
 
         QCOMPARE(failureOf(client.get(QStringLiteral("/probe/path"), fakeLock())), failure);
         if (failure.isEmpty())
@@ -238,7 +238,7 @@ private Q_SLOTS:
                 return FakeResponse{200, firstPage, {}};
             return FakeResponse{secondStatus, secondPage, {}};
         });
-        LCUClient client(fakeSources());
+        LcuClient client(fakeSources());
 
         const QString thrown = failureOf(client.fetchList(fakeLock(), count));
         QCOMPARE(thrown, failure);
@@ -266,7 +266,7 @@ private Q_SLOTS:
     void gameId() {
         QFETCH(QJsonObject, game);
         QFETCH(QString, id);
-        const std::optional<QString> found = LCUClient::gameId(game);
+        const std::optional<QString> found = LcuClient::gameId(game);
         QCOMPARE(found.has_value(), !id.isNull());
         QCOMPARE(found.value_or(QString()), id);
     }
@@ -279,9 +279,9 @@ private Q_SLOTS:
         const QString games = QString::fromLatin1(FakeLeagueClient::gamePathPrefix);
         m_fake->serve(games + "5", FakeResponse::text(404, "gone"));
         m_fake->serve(games + "6", FakeResponse{200, "[1,2]", {}});
-        LCUClient client(fakeSources());
+        LcuClient client(fakeSources());
 
-        const LCUClient::FullGames found = runTask(client.recentFullGames(4, {QStringLiteral("2")}));
+        const LcuClient::FullGames found = runTask(client.recentFullGames(4, {QStringLiteral("2")}));
 
         QCOMPARE(found.processed, (QStringList{"1", "5", "6", "7"}));
         QCOMPARE(found.games.size(), 4);
@@ -297,5 +297,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestLCUClient)
+QTEST_GUILESS_MAIN(TestLcuClient)
 #include "tst_lcu_client.moc"

@@ -82,12 +82,12 @@ class TestChampionsModel : public QObject {
 private Q_SLOTS:
     void orders_data() {
         QTest::addColumn<Games>("games");
-        QTest::addColumn<int>("sort");
+        QTest::addColumn<ChampionsModel::Sort>("sort");
         QTest::addColumn<QStringList>("order");
 
-        const int played = int(ChampionsModel::Sort::Played);
-        const int winRate = int(ChampionsModel::Sort::WinRate);
-        const int kda = int(ChampionsModel::Sort::Kda);
+        const auto played = ChampionsModel::Sort::Played;
+        const auto winRate = ChampionsModel::Sort::WinRate;
+        const auto kda = ChampionsModel::Sort::Kda;
         // Ahri 2 of 3 (KDA 4), Lux 1 of 1 (6), Zed 1 of 2 (2), Jinx 2 of 4 (2.5).
         const Games pool{{"Jinx", true, 3},  {"Ahri", true, 9}, {"Jinx", false},   {"Zed", true, 2},
                          {"Ahri", false, 1}, {"Lux", true, 6},  {"Jinx", true, 5}, {"Ahri", true, 2},
@@ -105,7 +105,7 @@ private Q_SLOTS:
     }
     void orders() {
         QFETCH(Games, games);
-        QFETCH(int, sort);
+        QFETCH(ChampionsModel::Sort, sort);
         QFETCH(QStringList, order);
         ScreenFixture f;
         addGames(f, games);
@@ -113,14 +113,14 @@ private Q_SLOTS:
         ChampionsModel model;
         QAbstractItemModelTester tester(model.cards(), QAbstractItemModelTester::FailureReportingMode::QtTest);
         model.setAppState(f.state.get());
-        QCOMPARE(model.sort(), int(ChampionsModel::Sort::Played));
+        QCOMPARE(model.sort(), ChampionsModel::Sort::Played);
         model.setSort(sort);
         QCOMPARE(names(model), order);
         int selected = -1;
         for (const QVariant& choice : model.sortChoices())
             if (choice.toMap().value("selected").toBool())
                 selected = choice.toMap().value("value").toInt();
-        QCOMPARE(selected, sort);
+        QCOMPARE(selected, int(sort));
     }
 
     void cardTexts_data() {
@@ -228,7 +228,7 @@ private Q_SLOTS:
         ChampionsModel model;
         QAbstractItemModelTester tester(model.cards(), QAbstractItemModelTester::FailureReportingMode::QtTest);
         model.setAppState(f.state.get());
-        model.setSort(int(ChampionsModel::Sort::WinRate));
+        model.setSort(ChampionsModel::Sort::WinRate);
         addGames(f, {{"Lux", true}, {"Lux", true}, {"Ahri", false}});
         f.save();
         QCOMPARE(names(model), (QStringList{"Lux", "Ahri"}));

@@ -23,7 +23,7 @@ QVariant role(const QAbstractItemModel* model, int row, const char* name) {
 }
 
 LocalParticipant row(const QJsonObject& json) {
-    return LocalParticipant(ParticipantDTO::decode(JsonReader(json)));
+    return LocalParticipant(ParticipantDto::decode(JsonReader(json)));
 }
 
 } // namespace
@@ -46,7 +46,7 @@ private Q_SLOTS:
         QCOMPARE(model.gamesText(), QStringLiteral("4 games"));
         QCOMPARE(model.recordText(), QStringLiteral("2W 2L"));
 
-        model.setFilter(int(GameCategory::Ranked));
+        model.setFilter(HistoryModel::Filter::Ranked);
         QCOMPARE(chipLabels(model), (QStringList{"All", "Ranked", "ARAM", "Arena"}));
         QCOMPARE(model.rows()->rowCount(), 2);
         QCOMPARE(model.gamesText(), QStringLiteral("2 games"));
@@ -54,7 +54,7 @@ private Q_SLOTS:
         QCOMPARE(model.winPercent(), 50.0);
         QVERIFY(model.chips().at(1).toMap().value("selected").toBool());
 
-        model.setFilter(int(GameCategory::Mayhem)); // nothing of that kind: the list empties, the chips stay
+        model.setFilter(HistoryModel::Filter::Mayhem); // nothing of that kind: the list empties, the chips stay
         QVERIFY(!model.hasGames());
         QCOMPARE(chipLabels(model).size(), 4);
     }
@@ -100,7 +100,7 @@ private Q_SLOTS:
         QCOMPARE(MatchTexts::thousands(12345), QStringLiteral("12k"));
         QCOMPARE(MatchTexts::thousands(999), QStringLiteral("0k"));
 
-        LocalMatch m(MatchDTO::decode(JsonReader(match(1))));
+        LocalMatch m(MatchDto::decode(JsonReader(match(1))));
         m.gameDuration = 59;
         m.gameCreation.reset();
         QCOMPARE(MatchTexts::timeText(m, QDateTime::currentDateTimeUtc()), QStringLiteral("0m"));

@@ -42,9 +42,9 @@ void store(ScreenFixture& f, const Snaps& snaps) {
     f.save();
 }
 
-QList<qint64> lps(const std::vector<LPPoint>& series) {
+QList<qint64> lps(const std::vector<LpPoint>& series) {
     QList<qint64> result;
-    for (const LPPoint& p : series)
+    for (const LpPoint& p : series)
         result << p.lp;
     return result;
 }
@@ -135,7 +135,7 @@ private Q_SLOTS:
         QCOMPARE(model.winRateText(), winRate);
         QCOMPARE(lps(model.series()), series);
         QStringList labels;
-        for (const LPPoint& p : model.series())
+        for (const LpPoint& p : model.series())
             labels << p.label;
         QCOMPARE(labels, pointLabels);
         QCOMPARE(model.hasChart(), series.size() > 1);
@@ -147,7 +147,7 @@ private Q_SLOTS:
         store(f, {{day(1), "GOLD", "IV", 5, 1, 0}, {day(2), "BRONZE", "I", 6, 2, 0, RankModel::flexQueue}});
         RankModel model;
         model.setAppState(f.state.get());
-        QCOMPARE(model.queue(), QStringLiteral("RANKED_SOLO_5x5"));
+        QCOMPARE(model.queue(), RankModel::Queue::Solo);
         QCOMPARE(model.currentLabel(), QStringLiteral("Gold IV"));
         const auto selected = [&] {
             QStringList shown;
@@ -157,8 +157,8 @@ private Q_SLOTS:
             return shown;
         };
         QCOMPARE(selected(), QStringList{"Solo/Duo"});
-        model.setQueue(model.queueChoices().at(1).toMap().value("value").toString());
-        QCOMPARE(model.queue(), QStringLiteral("RANKED_FLEX_SR"));
+        model.setQueue(static_cast<RankModel::Queue>(model.queueChoices().at(1).toMap().value("value").toInt()));
+        QCOMPARE(model.queue(), RankModel::Queue::Flex);
         QCOMPARE(selected(), QStringList{"Flex"});
         QCOMPARE(model.currentLabel(), QStringLiteral("Bronze I"));
     }

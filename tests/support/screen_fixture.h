@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/app_state.h"
+#include "session/app_state.h"
 #include "archive/archive_store.h"
 #include "support/archive_json.h"
 #include "support/fake_backend.h"
@@ -38,17 +38,17 @@ struct ScreenFixture {
     }
 
     void addMatch(const QJsonObject& json) {
-        store->matches().insert(std::make_unique<LocalMatch>(MatchDTO::decode(JsonReader(json))));
+        store->matches().insert(std::make_unique<LocalMatch>(MatchDto::decode(JsonReader(json))));
     }
     void addParticipant(const QJsonObject& json) {
-        store->participants().insert(std::make_unique<LocalParticipant>(ParticipantDTO::decode(JsonReader(json))));
+        store->participants().insert(std::make_unique<LocalParticipant>(ParticipantDto::decode(JsonReader(json))));
     }
     void addSnapshot(const QJsonObject& json) {
-        store->rankSnapshots().insert(std::make_unique<LocalRankSnapshot>(RankSnapshotDTO::decode(JsonReader(json))));
+        store->rankSnapshots().insert(std::make_unique<LocalRankSnapshot>(RankSnapshotDto::decode(JsonReader(json))));
     }
     void addScore(const QJsonObject& json) {
         store->performanceScores().insert(
-            std::make_unique<LocalPerformanceScore>(PerformanceScoreDTO::decode(JsonReader(json))));
+            std::make_unique<LocalPerformanceScore>(PerformanceScoreDto::decode(JsonReader(json))));
     }
     // A game of the user: the match and the user's own row, newest games get later dates.
     void addOwnGame(qint64 id, bool win, qint64 queueId = 420, const QString& champion = QStringLiteral("Ahri"),

@@ -117,6 +117,17 @@ private Q_SLOTS:
         QCOMPARE(Theme::initials(name), initials);
     }
 
+    // Each role of the type scale is larger than the one before it, so a role added in the wrong
+    // place, or given a size already taken, shows here; a number from outside reads as body text.
+    void typeScaleGrows() {
+        const QMetaEnum roles = QMetaEnum::fromType<Theme::TextRole>();
+        for (int i = 1; i < roles.keyCount(); ++i)
+            QVERIFY2(Theme::pixelSize(Theme::TextRole(roles.value(i))) >
+                         Theme::pixelSize(Theme::TextRole(roles.value(i - 1))),
+                     roles.key(i));
+        QCOMPARE(Theme().fontSize(roles.keyCount()), Theme::pixelSize(Theme::Body));
+    }
+
     void kdaLineShowsDeathsInRed() {
         const QString line = Theme::kdaLine(3, 1, 7);
         QVERIFY2(line.startsWith("3 ") && line.endsWith(" 7"), qPrintable(line));

@@ -1,45 +1,45 @@
-#include "game_data/ddragon.h"
+#include "game_data/data_dragon.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSettings>
 
-DDragon::DDragon(QString cdnBase) : m_base(std::move(cdnBase)) {}
+DataDragon::DataDragon(QString cdnBase) : m_base(std::move(cdnBase)) {}
 
-DDragon DDragon::fromSettings(const QSettings& settings) {
+DataDragon DataDragon::fromSettings(const QSettings& settings) {
     const QString stored = settings.value(QLatin1String(cdnBaseKey)).toString().trimmed();
     if (stored.isEmpty())
-        return DDragon();
+        return DataDragon();
     // The paths are appended as they are, so the base must end with its separator.
-    return DDragon(stored.endsWith(QLatin1Char('/')) ? stored : stored + QLatin1Char('/'));
+    return DataDragon(stored.endsWith(QLatin1Char('/')) ? stored : stored + QLatin1Char('/'));
 }
 
-QUrl DDragon::make(const QString& tail) const {
+QUrl DataDragon::make(const QString& tail) const {
     const QUrl url(m_base + tail, QUrl::StrictMode);
     if (!url.isValid() || url.scheme().isEmpty())
         return {};
     return url;
 }
 
-QUrl DDragon::itemIcon(qint64 id, const QString& version) const {
+QUrl DataDragon::itemIcon(qint64 id, const QString& version) const {
     return make(version + QStringLiteral("/img/item/") + QString::number(id) + QStringLiteral(".png"));
 }
 
-QUrl DDragon::profileIcon(qint64 id, const QString& version) const {
+QUrl DataDragon::profileIcon(qint64 id, const QString& version) const {
     return make(version + QStringLiteral("/img/profileicon/") + QString::number(id) + QStringLiteral(".png"));
 }
 
-QUrl DDragon::championIcon(const QString& championName, const QString& version) const {
+QUrl DataDragon::championIcon(const QString& championName, const QString& version) const {
     QString name = championName;
     name.remove(QLatin1Char(' '));
     return make(version + QStringLiteral("/img/champion/") + name + QStringLiteral(".png"));
 }
 
-QUrl DDragon::championList(const QString& version) const {
+QUrl DataDragon::championList(const QString& version) const {
     return make(version + QStringLiteral("/data/en_US/champion.json"));
 }
 
-std::optional<qint64> DDragon::parseChampionKey(const QString& key) {
+std::optional<qint64> DataDragon::parseChampionKey(const QString& key) {
     qsizetype start = 0;
     if (!key.isEmpty() && (key[0] == QLatin1Char('+') || key[0] == QLatin1Char('-')))
         start = 1;
@@ -53,7 +53,7 @@ std::optional<qint64> DDragon::parseChampionKey(const QString& key) {
     return ok ? std::optional<qint64>(value) : std::nullopt;
 }
 
-std::optional<QHash<qint64, QString>> DDragon::parseChampionList(const QByteArray& json) {
+std::optional<QHash<qint64, QString>> DataDragon::parseChampionList(const QByteArray& json) {
     QJsonParseError error{};
     const QJsonDocument document = QJsonDocument::fromJson(json, &error);
     if (error.error != QJsonParseError::NoError || !document.isObject())

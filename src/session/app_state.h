@@ -2,14 +2,13 @@
 
 #include "backend/account_records.h"
 #include "backend/backend_client.h"
+#include "game_data/static_data.h"
 #include "league_client/lcu_discovery.h"
-#include "game_data/ddragon.h"
 
 #include <QHash>
 #include <QObject>
 #include <QSet>
 #include <QString>
-#include <QVariant>
 #include <QtQml/qqmlregistration.h>
 #include <QCoro/QCoroTask>
 #include <exception>
@@ -31,19 +30,16 @@ class AppState : public QObject {
     QML_SINGLETON
 
     Q_PROPERTY(Phase phase READ phase NOTIFY phaseChanged)
-    Q_PROPERTY(QString errorMessage READ errorMessageText NOTIFY errorMessageChanged)
+    Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged)
     Q_PROPERTY(bool hasError READ hasError NOTIFY errorMessageChanged)
     Q_PROPERTY(bool isSyncing READ isSyncing NOTIFY isSyncingChanged)
-    Q_PROPERTY(QVariant lastSyncedMatches READ lastSyncedMatchesValue NOTIFY lastSyncedMatchesChanged)
-    Q_PROPERTY(QString staticVersion READ staticVersion NOTIFY staticVersionChanged)
-    Q_PROPERTY(QString lcuStatus READ lcuStatusText NOTIFY lcuStatusChanged)
+    Q_PROPERTY(QString lcuStatus READ lcuStatus NOTIFY lcuStatusChanged)
 
 public:
     enum class Phase { Loading, SignedOut, SignedIn };
     Q_ENUM(Phase)
 
     static constexpr const char* authTokenKey = "authToken";
-    static constexpr const char* defaultStaticVersion = "16.11.1";
 
     AppState(QSettings& settings, QNetworkAccessManager& network, QObject* parent = nullptr);
     ~AppState() override;
@@ -53,38 +49,39 @@ public:
     static AppState* create(QQmlEngine* qmlEngine, QJSEngine* jsEngine);
 
     [[nodiscard]] Phase phase() const { return m_phase; }
-    [[nodiscard]] const std::optional<UserDTO>& user() const { return m_user; }
-    [[nodiscard]] const QList<RiotAccountDTO>& riotAccounts() const { return m_riotAccounts; }
-    [[nodiscard]] const std::optional<QString>& errorMessage() const { return m_errorMessage; }
+    [[nodiscard]] const std::optional<UserDto>& user() const { return m_user; }
+    [[nodiscard]] const QList<RiotAccountDto>& riotAccounts() const { return m_riotAccounts; }
+    // Empty while there is no error; hasError() tells the two apart.
+    [[nodiscard]] const QString& errorMessage() const { return m_errorMessage; }
+    [[nodiscard]] bool hasError() const { return m_hasError; }
     [[nodiscard]] bool isSyncing() const { return m_isSyncing; }
     [[nodiscard]] std::optional<int> lastSyncedMatches() const { return m_lastSyncedMatches; }
-    [[nodiscard]] const QString& staticVersion() const { return m_staticVersion; }
-    [[nodiscard]] const QHash<qint64, QString>& championsById() const { return m_championsById; }
     [[nodiscard]] const QSet<QString>& friendPuuids() const { return m_friendPuuids; }
     [[nodiscard]] const QSet<QString>& friendGameNames() const { return m_friendGameNames; }
     [[nodiscard]] const QHash<QString, QString>& friendNames() const { return m_friendNames; }
-    [[nodiscard]] const std::optional<QString>& lcuStatus() const { return m_lcuStatus; }
+    // The last client import's one-line result; empty before the first.
+    [[nodiscard]] const QString& lcuStatus() const { return m_lcuStatus; }
     // Where the League client is looked for: its real lockfiles and process list unless a test
     // aims the state elsewhere.
-    void setLeagueClientSources(LCUDiscovery::Sources sources) { m_lcuSources = std::move(sources); }
-    [[nodiscard]] ArchiveStore* context() const { return m_context; }
+    void setLeagueClientSources(LcuDiscovery::Sources sources) { m_lcuSources = std::move(sources); }
+    [[nodiscard]] ArchiveStore* store() const { return m_store; }
     [[nodiscard]] BackendClient& client() { return m_client; }
     [[nodiscard]] QSettings& settings() { return m_settings; }
-    [[nodiscard]] const DDragon& ddragon() const { return m_ddragon; }
+    [[nodiscard]] StaticData& staticData() { return m_staticData; }
 
     // Keeps the store, loads static data and restores the stored session; returns at once.
-    void bootstrap(ArchiveStore* context);
+    void bootstrap(ArchiveStore* store);
 
     QCoro::Task<> registerAccount(QString email, QString password, std::optional<QString> name);
     QCoro::Task<> login(QString email, QString password);
     QCoro::Task<> loginWithLeague();
     QCoro::Task<> refreshAccountsFromRiot();
     QCoro::Task<> refreshAccounts();
+    // Import from the League client, pull the archive, refresh the duos. Returns at once, doing
+    // nothing, while another sync runs: a second press or a link mid-sync starts no second pull.
     QCoro::Task<> sync();
     QCoro::Task<> importFromClient();
     QCoro::Task<> loadDuos();
-    QCoro::Task<> loadStaticVersion();
-    QCoro::Task<> loadChampionMap();
     // Links a Riot account typed as Name#TAG, then refreshes the accounts and syncs.
     QCoro::Task<> addRiotAccount(QString riotId);
 
@@ -104,50 +101,41 @@ Q_SIGNALS:
     void errorMessageChanged();
     void isSyncingChanged();
     void lastSyncedMatchesChanged();
-    void staticVersionChanged();
-    void championsByIdChanged();
     void friendsChanged();
     void lcuStatusChanged();
     void tasksFinished();
-    void contextChanged();
+    void storeChanged();
 
 private:
     using AuthCall = std::function<QCoro::Task<AuthResponse>()>;
 
     QCoro::Task<> authenticate(AuthCall call);
     void handle(std::exception_ptr error);
-    void applyDuos(const QList<DuoDTO>& duos);
+    void applyDuos(const QList<DuoDto>& duos);
 
     void setPhase(Phase phase);
     void setErrorMessage(std::optional<QString> message);
     void setSyncing(bool syncing);
-    void setRiotAccounts(QList<RiotAccountDTO> accounts);
-    void setLcuStatus(std::optional<QString> status);
-
-    [[nodiscard]] QString errorMessageText() const { return m_errorMessage.value_or(QString()); }
-    [[nodiscard]] bool hasError() const { return m_errorMessage.has_value(); }
-    [[nodiscard]] QVariant lastSyncedMatchesValue() const;
-    [[nodiscard]] QString lcuStatusText() const { return m_lcuStatus.value_or(QString()); }
+    void setRiotAccounts(QList<RiotAccountDto> accounts);
+    void setLcuStatus(const QString& status);
 
     QSettings& m_settings;
     BackendClient m_client;
-    QNetworkAccessManager& m_network;
-    DDragon m_ddragon;
-    ArchiveStore* m_context = nullptr;
+    StaticData m_staticData;
+    ArchiveStore* m_store = nullptr;
 
     Phase m_phase = Phase::Loading;
-    std::optional<UserDTO> m_user;
-    QList<RiotAccountDTO> m_riotAccounts;
-    std::optional<QString> m_errorMessage;
+    std::optional<UserDto> m_user;
+    QList<RiotAccountDto> m_riotAccounts;
+    QString m_errorMessage;
+    bool m_hasError = false;
     bool m_isSyncing = false;
     std::optional<int> m_lastSyncedMatches;
-    QString m_staticVersion = QString::fromLatin1(defaultStaticVersion);
-    QHash<qint64, QString> m_championsById;
     QSet<QString> m_friendPuuids;
     QSet<QString> m_friendGameNames;
     QHash<QString, QString> m_friendNames;
-    std::optional<QString> m_lcuStatus;
-    LCUDiscovery::Sources m_lcuSources = LCUDiscovery::Sources::system();
+    QString m_lcuStatus;
+    LcuDiscovery::Sources m_lcuSources = LcuDiscovery::Sources::system();
 
     int m_runningTasks = 0;
 

@@ -5,7 +5,7 @@
 #include <QString>
 #include <QtQml/qqmlregistration.h>
 
-#include "app/app_state.h"
+#include "session/app_state.h"
 
 // What the sign-in view holds while it is shown: the typed e-mail and password, the mode, and
 // the two busy flags, with the rules that enable its buttons.

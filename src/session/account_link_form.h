@@ -5,7 +5,7 @@
 #include <QString>
 #include <QtQml/qqmlregistration.h>
 
-#include "app/app_state.h"
+#include "session/app_state.h"
 
 // The Riot ID field of the "Link a Riot account" card.
 class AccountLinkForm : public QObject {

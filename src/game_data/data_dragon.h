@@ -11,13 +11,13 @@ class QSettings;
 // Addresses of the game publisher's static images and champion list. Every address is the CDN
 // base + data version + a fixed path; the base can be moved (offline demos, tests) with the
 // "quill.cdnBaseURL" preference.
-class DDragon {
+class DataDragon {
 public:
     static constexpr const char* defaultCdnBase = "https://ddragon.leagueoflegends.com/cdn/";
     static constexpr const char* cdnBaseKey = "quill.cdnBaseURL";
 
-    explicit DDragon(QString cdnBase = QString::fromLatin1(defaultCdnBase));
-    [[nodiscard]] static DDragon fromSettings(const QSettings& settings);
+    explicit DataDragon(QString cdnBase = QString::fromLatin1(defaultCdnBase));
+    [[nodiscard]] static DataDragon fromSettings(const QSettings& settings);
 
     [[nodiscard]] const QString& cdnBase() const { return m_base; }
 

@@ -1,4 +1,4 @@
-#include "app/app_state.h"
+#include "session/app_state.h"
 
 #include "archive/archive_store.h"
 #include "archive/sync_engine.h"
@@ -8,11 +8,6 @@
 #include "league_client/league_sign_in.h"
 
 #include <QJSEngine>
-#include <QNetworkAccessManager>
-#include <QNetworkReply>
-#include <QNetworkRequest>
-#include <QCoro/QCoroNetworkReply>
-#include <memory>
 #include <QSettings>
 
 namespace {
@@ -42,8 +37,8 @@ QString describe(const std::exception_ptr& error) {
 } // namespace
 
 AppState::AppState(QSettings& settings, QNetworkAccessManager& network, QObject* parent)
-    : QObject(parent), m_settings(settings), m_client(network, AppConfig::backendBaseURL(settings)),
-      m_network(network), m_ddragon(DDragon::fromSettings(settings)) {}
+    : QObject(parent), m_settings(settings), m_client(network, AppConfig::backendBaseUrl(settings)),
+      m_staticData(m_client, network, DataDragon::fromSettings(settings)) {}
 
 AppState::~AppState() {
     if (s_qmlInstance == this)
@@ -71,10 +66,10 @@ void AppState::startTask(QCoro::Task<> task) {
     }(this, std::move(task));
 }
 
-void AppState::bootstrap(ArchiveStore* context) {
-    m_context = context;
-    Q_EMIT contextChanged();
-    startTask(loadStaticVersion());
+void AppState::bootstrap(ArchiveStore* store) {
+    m_store = store;
+    Q_EMIT storeChanged();
+    startTask(m_staticData.load());
 
     const QVariant token = m_settings.value(QLatin1String(authTokenKey));
     if (token.isValid() && !token.toString().isEmpty()) {
@@ -105,7 +100,7 @@ QCoro::Task<> AppState::loginWithLeague() {
     // The client's identity is read inside the call, so a missing client ends in handle()
     // before anything reaches the backend.
     BackendClient* client = &m_client;
-    LCUDiscovery::Sources sources = m_lcuSources;
+    LcuDiscovery::Sources sources = m_lcuSources;
     AuthCall call = [client, sources] { return LeagueSignIn::signIn(sources, *client); };
     co_await authenticate(std::move(call));
 }
@@ -155,14 +150,14 @@ QCoro::Task<> AppState::refreshAccounts() {
 }
 
 QCoro::Task<> AppState::sync() {
-    if (!m_context)
+    if (!m_store || m_isSyncing)
         co_return;
     setSyncing(true);
     co_await importFromClient();
 
     bool pulled = false;
     try {
-        SyncEngine engine(*m_context, m_client, m_settings);
+        SyncEngine engine(*m_store, m_client, m_settings);
         const int count = co_await engine.pull();
         m_lastSyncedMatches = count;
         Q_EMIT lastSyncedMatchesChanged();
@@ -181,7 +176,7 @@ void AppState::requestSync() {
 
 QCoro::Task<> AppState::importFromClient() {
     // Every outcome, a missing client included, is only a status line: the pull goes on.
-    LCUClient lcu(m_lcuSources);
+    LcuClient lcu(m_lcuSources);
     ClientImport clientImport(lcu, m_client, m_settings);
     const QString status = co_await clientImport.run();
     setLcuStatus(status);
@@ -195,11 +190,11 @@ QCoro::Task<> AppState::loadDuos() {
     }
 }
 
-void AppState::applyDuos(const QList<DuoDTO>& duos) {
+void AppState::applyDuos(const QList<DuoDto>& duos) {
     QSet<QString> puuids;
     QHash<QString, QString> names;
     QSet<QString> gameNames;
-    for (const DuoDTO& duo : duos) {
+    for (const DuoDto& duo : duos) {
         puuids.insert(duo.puuid);
         if (duo.riotId) {
             if (!names.contains(duo.puuid))
@@ -216,37 +211,6 @@ void AppState::applyDuos(const QList<DuoDTO>& duos) {
     m_friendNames = std::move(names);
     m_friendGameNames = std::move(gameNames);
     Q_EMIT friendsChanged();
-}
-
-QCoro::Task<> AppState::loadStaticVersion() {
-    // Best effort and silent: images work with the built-in version when the backend is away.
-    try {
-        const StaticVersionResponse answer = co_await m_client.staticVersion();
-        if (answer.version != m_staticVersion) {
-            m_staticVersion = answer.version;
-            Q_EMIT staticVersionChanged();
-        }
-    } catch (...) {
-    }
-    co_await loadChampionMap();
-}
-
-QCoro::Task<> AppState::loadChampionMap() {
-    const QUrl url = m_ddragon.championList(m_staticVersion);
-    if (!url.isValid())
-        co_return;
-    QNetworkRequest request(url);
-    request.setTransferTimeout(60000);
-    std::unique_ptr<QNetworkReply, void (*)(QNetworkReply*)> reply(m_network.get(request),
-                                                                 [](QNetworkReply* r) { r->deleteLater(); });
-    co_await reply.get();
-    if (reply->error() != QNetworkReply::NoError)
-        co_return;
-    // Best effort: a list that cannot be read leaves the names already known.
-    if (auto champions = DDragon::parseChampionList(reply->readAll())) {
-        m_championsById = std::move(*champions);
-        Q_EMIT championsByIdChanged();
-    }
 }
 
 QCoro::Task<> AppState::addRiotAccount(QString riotId) {
@@ -282,9 +246,10 @@ void AppState::setPhase(Phase phase) {
 }
 
 void AppState::setErrorMessage(std::optional<QString> message) {
-    if (m_errorMessage == message)
+    if (m_hasError == message.has_value() && m_errorMessage == message.value_or(QString()))
         return;
-    m_errorMessage = std::move(message);
+    m_hasError = message.has_value();
+    m_errorMessage = message.value_or(QString());
     Q_EMIT errorMessageChanged();
 }
 
@@ -295,18 +260,14 @@ void AppState::setSyncing(bool syncing) {
     Q_EMIT isSyncingChanged();
 }
 
-void AppState::setRiotAccounts(QList<RiotAccountDTO> accounts) {
+void AppState::setRiotAccounts(QList<RiotAccountDto> accounts) {
     m_riotAccounts = std::move(accounts);
     Q_EMIT riotAccountsChanged();
 }
 
-void AppState::setLcuStatus(std::optional<QString> status) {
+void AppState::setLcuStatus(const QString& status) {
     if (m_lcuStatus == status)
         return;
-    m_lcuStatus = std::move(status);
+    m_lcuStatus = status;
     Q_EMIT lcuStatusChanged();
-}
-
-QVariant AppState::lastSyncedMatchesValue() const {
-    return m_lastSyncedMatches ? QVariant(*m_lastSyncedMatches) : QVariant();
 }

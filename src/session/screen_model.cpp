@@ -1,4 +1,4 @@
-#include "app/screen_model.h"
+#include "session/screen_model.h"
 
 void ScreenModel::setAppState(AppState* state) {
     if (m_state == state)
@@ -9,14 +9,14 @@ void ScreenModel::setAppState(AppState* state) {
     if (m_state) {
         connect(m_state, &AppState::riotAccountsChanged, this, &ScreenModel::recompute);
         connect(m_state, &AppState::friendsChanged, this, &ScreenModel::recompute);
-        connect(m_state, &AppState::contextChanged, this, &ScreenModel::attachStore);
+        connect(m_state, &AppState::storeChanged, this, &ScreenModel::attachStore);
     }
     attachStore();
     Q_EMIT appStateChanged();
 }
 
 void ScreenModel::attachStore() {
-    ArchiveStore* store = m_state ? m_state->context() : nullptr;
+    ArchiveStore* store = m_state ? m_state->store() : nullptr;
     if (m_store != store) {
         if (m_store)
             disconnect(m_store, nullptr, this, nullptr);
@@ -30,7 +30,7 @@ void ScreenModel::attachStore() {
 QSet<QString> ScreenModel::owners() const {
     QSet<QString> result;
     if (m_state)
-        for (const RiotAccountDTO& account : m_state->riotAccounts())
+        for (const RiotAccountDto& account : m_state->riotAccounts())
             result.insert(account.puuid);
     return result;
 }

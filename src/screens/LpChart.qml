@@ -16,51 +16,51 @@ Item {
         y: 6
         width: root.width - root.gutter - 10
         height: root.height - 30
-        readonly property var line: root.chart ? root.chart.chartLine.map(p => Qt.point(p.x * width, p.y * height)) : []
+        readonly property var line: root.chart ? Array.from(root.chart.chartLine, p => Qt.point(p.x * width, p.y * height)) : []
         // The highest point of the line: the area is at its strongest there.
         readonly property real lineTop: line.length > 0 ? Math.min(...line.map(p => p.y)) : 0
 
         Repeater {
             model: root.chart ? root.chart.yTicks : []
             Item {
+                id: yTick
                 required property var modelData
                 y: modelData.y * plot.height
-                width: plot.width
+                width: plot.width // qmllint disable unqualified
                 Rectangle {
                     width: parent.width
                     height: 1
                     color: Qt.rgba(1, 1, 1, 0.07)
                 }
-                Text {
+                ThemeText {
+                    role: Theme.Small
                     anchors.right: parent.left
                     anchors.rightMargin: 8
                     anchors.verticalCenter: parent.top
-                    text: parent.modelData.text
+                    text: yTick.modelData.text
                     color: Theme.textDim
-                    font.family: Theme.fontFamily
-                    font.pixelSize: 10
                 }
             }
         }
         Repeater {
             model: root.chart ? root.chart.xTicks : []
             Item {
+                id: xTick
                 required property var modelData
                 x: modelData.x * plot.width
-                height: plot.height
+                height: plot.height // qmllint disable unqualified
                 Rectangle {
                     width: 1
                     height: parent.height
                     color: Qt.rgba(1, 1, 1, 0.05)
                 }
-                Text {
+                ThemeText {
+                    role: Theme.Small
                     anchors.top: parent.bottom
                     anchors.topMargin: 7
                     anchors.horizontalCenter: parent.left
-                    text: parent.modelData.text
+                    text: xTick.modelData.text
                     color: Theme.textDim
-                    font.family: Theme.fontFamily
-                    font.pixelSize: 10
                 }
             }
         }
@@ -102,6 +102,7 @@ Item {
         Repeater {
             model: root.chart ? root.chart.chartPoints : []
             Rectangle {
+                id: point
                 required property var modelData
                 required property int index
                 x: modelData.x * plot.width - width / 2
@@ -118,8 +119,8 @@ Item {
                     hoverEnabled: true
                     onContainsMouseChanged: {
                         if (containsMouse)
-                            bubble.show(parent)
-                        else if (bubble.target === parent)
+                            bubble.show(point, point.index) // qmllint disable unqualified
+                        else if (bubble.target === point)
                             bubble.target = null
                     }
                 }
@@ -130,7 +131,11 @@ Item {
         Rectangle {
             id: bubble
             property Item target: null
-            function show(item) { target = item }
+            property int targetIndex: -1
+            function show(item: Item, index: int) {
+                target = item
+                targetIndex = index
+            }
             visible: target !== null
             z: 2
             width: bubbleText.implicitWidth + 16
@@ -141,13 +146,11 @@ Item {
             border.color: Qt.rgba(Theme.gold.r, Theme.gold.g, Theme.gold.b, 0.5)
             x: target ? Math.max(0, Math.min(plot.width - width, target.x + target.width / 2 - width / 2)) : 0
             y: target ? (target.y > height + 8 ? target.y - height - 6 : target.y + target.height + 6) : 0
-            Text {
+            ThemeText {
                 id: bubbleText
+                role: Theme.Caption
                 anchors.centerIn: parent
-                text: bubble.target && root.chart ? root.chart.pointCaption(bubble.target.index) : ""
-                color: Theme.text
-                font.family: Theme.fontFamily
-                font.pixelSize: 11
+                text: bubble.target && root.chart ? root.chart.pointCaption(bubble.targetIndex) : ""
             }
         }
     }

@@ -1,4 +1,4 @@
-#include "app/app_state.h"
+#include "session/app_state.h"
 #include "archive/archive_store.h"
 #include "support/archive_json.h"
 #include "support/fake_backend.h"
@@ -81,8 +81,8 @@ private Q_SLOTS:
         QCOMPARE(m_state->phase(), AppState::Phase::SignedOut);
         waitIdle();
         QCOMPARE(paths(), QStringList{"GET /api/static/version"});
-        QCOMPARE(m_state->staticVersion(), QStringLiteral("16.12.1"));
-        QVERIFY(!m_state->errorMessage());
+        QCOMPARE(m_state->staticData().version(), QStringLiteral("16.12.1"));
+        QVERIFY(!m_state->hasError());
     }
 
     void restoredButExpiredToken() {
@@ -99,7 +99,7 @@ private Q_SLOTS:
         waitIdle();
 
         QCOMPARE(phases, (QList<AppState::Phase>{AppState::Phase::SignedIn, AppState::Phase::SignedOut}));
-        QCOMPARE(m_state->errorMessage(), std::optional<QString>(expired));
+        QCOMPARE(m_state->errorMessage(), expired);
         QVERIFY(!(*m_settings)->contains("authToken"));
         QVERIFY(!m_state->client().authToken());
         QCOMPARE(m_backend->requestsTo("/api/riot-accounts/refresh").first().header("Authorization"), QByteArray("Bearer stale"));
@@ -143,13 +143,13 @@ private Q_SLOTS:
         waitIdle();
         run(m_state->registerAccount("ada@example.com", "password1", std::nullopt));
         QCOMPARE(m_state->phase(), AppState::Phase::SignedOut);
-        QCOMPARE(m_state->errorMessage(), std::optional<QString>(QStringLiteral("Server error 409. Email already registered")));
+        QCOMPARE(m_state->errorMessage(), QStringLiteral("Server error 409. Email already registered"));
 
         // The next attempt clears the message as soon as it starts.
         QSignalSpy cleared(m_state.get(), &AppState::errorMessageChanged);
         run(m_state->login("ada@example.com", "password1"));
         QVERIFY(cleared.count() >= 1);
-        QVERIFY(!m_state->errorMessage());
+        QVERIFY(!m_state->hasError());
         QCOMPARE(m_state->phase(), AppState::Phase::SignedIn);
     }
 
@@ -158,6 +158,54 @@ private Q_SLOTS:
         run(m_state->sync());
         QCOMPARE(syncing.count(), 0);
         QVERIFY(m_backend->requests().isEmpty());
+    }
+
+    // A second press, or a link, while a sync runs starts no second import or pull: the first
+    // sync alone sets and clears the flag and refreshes the duos. The backend keeps the first
+    // pull going, page after page, until the second attempt has returned.
+    void overlappingSyncsRunOnce_data() {
+        QTest::addColumn<bool>("byLink");
+        QTest::newRow("second press") << false;
+        QTest::newRow("account linked mid-sync") << true;
+    }
+    void overlappingSyncsRunOnce() {
+        QFETCH(bool, byLink);
+        serveHappyBackend();
+        m_backend->on("POST", "/api/riot-accounts", FakeResponse::json({{"riot_account", riotAccount(2, "p2")}}));
+        bool secondReturned = false;
+        int pages = 0;
+        m_backend->on("GET", "/api/sync", [&](const RecordedRequest&) {
+            ++pages;
+            return FakeResponse::json(page({}, {}, {}, {}, QStringLiteral("c%1").arg(pages), !secondReturned));
+        });
+        m_state->bootstrap(m_store.get());
+        waitIdle();
+        m_state->client().setAuthToken(QStringLiteral("t"));
+        m_backend->clearRequests();
+        QSignalSpy syncing(m_state.get(), &AppState::isSyncingChanged);
+
+        m_state->requestSync();
+        QVERIFY(m_state->isSyncing());
+        if (byLink)
+            run(m_state->addRiotAccount(QStringLiteral("Ada#EUW")));
+        else
+            run(m_state->sync());
+        QVERIFY(m_state->isSyncing()); // the first pull is still paging
+        secondReturned = true;
+        waitIdle();
+
+        QCOMPARE(syncing.count(), 2);
+        QVERIFY(!m_state->isSyncing());
+        QCOMPARE(m_backend->requestsTo("/api/stats/duos").size(), 1);
+        // One pull only: every page was asked for once, each after the one before.
+        QStringList cursors;
+        for (const RecordedRequest& request : m_backend->requestsTo("/api/sync"))
+            cursors << QString::fromLatin1(request.rawQuery);
+        QCOMPARE(cursors.size(), pages);
+        QCOMPARE(cursors.removeDuplicates(), 0);
+        // Once it has ended, the next sync runs again.
+        run(m_state->sync());
+        QCOMPARE(syncing.count(), 4);
     }
 
     void failedPullKeepsTheLastCountAndSkipsDuos() {
@@ -174,7 +222,7 @@ private Q_SLOTS:
         QCOMPARE(syncing.count(), 2);
         QVERIFY(!m_state->isSyncing());
         QCOMPARE(m_state->lastSyncedMatches(), std::optional<int>(2));
-        QCOMPARE(m_state->errorMessage(), std::optional<QString>(QStringLiteral("Server error 502. <html>bad gateway</html>")));
+        QCOMPARE(m_state->errorMessage(), QStringLiteral("Server error 502. <html>bad gateway</html>"));
         QVERIFY(m_backend->requestsTo("/api/stats/duos").isEmpty());
         QCOMPARE(m_store->matches().count(), 2);
     }
@@ -197,7 +245,8 @@ private Q_SLOTS:
         m_state->client().setAuthToken(QStringLiteral("t"));
         run(m_state->refreshAccountsFromRiot());
         QCOMPARE(m_state->riotAccounts().size(), listStatus == 200 ? 1 : 0);
-        QCOMPARE(m_state->errorMessage().value_or(QString()), message);
+        QCOMPARE(m_state->errorMessage(), message);
+        QCOMPARE(m_state->hasError(), !message.isEmpty());
     }
 };
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/app_state.h"
+#include "session/app_state.h"
 #include "archive/archive_store.h"
 
 #include <QObject>
@@ -12,6 +12,7 @@
 // recomputes everything it shows whenever either changes. Subclasses implement recompute().
 class ScreenModel : public QObject {
     Q_OBJECT
+    QML_ANONYMOUS
     Q_PROPERTY(AppState* appState READ appState WRITE setAppState NOTIFY appStateChanged)
 
 public:

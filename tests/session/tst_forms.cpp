@@ -1,7 +1,6 @@
-#include "app/account_link_form.h"
-#include "app/app_state.h"
-#include "app/login_form.h"
-#include "app/sidebar_model.h"
+#include "session/account_link_form.h"
+#include "session/app_state.h"
+#include "session/login_form.h"
 #include "archive/archive_store.h"
 #include "support/archive_json.h"
 #include "support/fake_backend.h"
@@ -99,7 +98,7 @@ private Q_SLOTS:
         QCOMPARE(leagueBusy, (QList<bool>{true, false}));
         QVERIFY(!submitBlocked);
         QCOMPARE(m_state->errorMessage(),
-                 std::optional<QString>("League client isn't running. Open the client (not just a game) and try again."));
+                 QStringLiteral("League client isn't running. Open the client (not just a game) and try again."));
         QVERIFY(form.canUseLeague());
         QCOMPARE(m_state->phase(), AppState::Phase::SignedOut);
     }
@@ -113,11 +112,11 @@ private Q_SLOTS:
         form.setPassword("password1");
         form.submit();
         waitIdle();
-        QCOMPARE(m_state->errorMessage(), std::optional<QString>("Server error 403. wrong password"));
+        QCOMPARE(m_state->errorMessage(), QStringLiteral("Server error 403. wrong password"));
         QCOMPARE(form.submitLabel(), QStringLiteral("Sign in"));
         QCOMPARE(form.toggleLabel(), QStringLiteral("New here? Create an account"));
         form.toggleMode();
-        QVERIFY(!m_state->errorMessage());
+        QVERIFY(!m_state->hasError());
         QVERIFY(form.isRegistering());
         QCOMPARE(form.submitLabel(), QStringLiteral("Create account"));
         QCOMPARE(form.toggleLabel(), QStringLiteral("Have an account? Sign in"));
@@ -170,77 +169,8 @@ private Q_SLOTS:
         form.setRiotId("Nobody#000");
         form.add();
         waitIdle();
-        QCOMPARE(m_state->errorMessage(), std::optional<QString>("Server error 404. Riot ID not found"));
+        QCOMPARE(m_state->errorMessage(), QStringLiteral("Server error 404. Riot ID not found"));
         QVERIFY(m_backend->requestsTo("/api/sync").isEmpty());
-    }
-
-    void sidebarRankLine_data() {
-        QTest::addColumn<QJsonArray>("snapshots");
-        QTest::addColumn<QString>("line");
-        QJsonObject noTier = snapshot(3, 1, "RANKED_SOLO_5x5");
-        noTier["tier"] = QJsonValue::Null;
-        QJsonObject olderSolo = snapshot(4, 1, "RANKED_SOLO_5x5", "SILVER", 12);
-        olderSolo["captured_at"] = "2025-01-01T00:00:00Z";
-        QJsonObject newerFlex = snapshot(5, 1, "RANKED_FLEX_SR", "PLATINUM", 77);
-        newerFlex["captured_at"] = "2025-06-01T00:00:00Z";
-        QTest::newRow("flex only falls back") << QJsonArray{snapshot(1, 1, "RANKED_FLEX_SR", "GOLD", 50)} << "Gold II · 50 LP";
-        QTest::newRow("solo without tier") << QJsonArray{noTier} << "Unranked";
-        QTest::newRow("older solo beats newer flex") << QJsonArray{olderSolo, newerFlex} << "Silver II · 12 LP";
-    }
-    void sidebarRankLine() {
-        QFETCH(QJsonArray, snapshots);
-        QFETCH(QString, line);
-        std::vector<std::unique_ptr<LocalRankSnapshot>> owned;
-        std::vector<const LocalRankSnapshot*> list;
-        for (const QJsonValue& json : snapshots) {
-            owned.push_back(std::make_unique<LocalRankSnapshot>(RankSnapshotDTO::decode(JsonReader(json.toObject()))));
-            list.push_back(owned.back().get());
-        }
-        QCOMPARE(SidebarModel::rankLineOf(SidebarModel::soloOf(list)), line);
-    }
-
-    void sidebarWithoutAccounts() {
-        m_backend->on("GET", "/api/sync", FakeResponse::json(page({match(1), match(2)}, {participant(10, 1, "me", "Lux")})));
-        m_state->bootstrap(m_store.get());
-        SidebarModel model;
-        model.setAppState(m_state.get());
-        QCOMPARE(model.accountName(), QStringLiteral("Summoner"));
-        QCOMPARE(model.toolbarAccount(), QStringLiteral("Account"));
-        QCOMPARE(model.rankLine(), QStringLiteral("Unranked"));
-        QCOMPARE(model.archivedText(), QStringLiteral("0 games archived"));
-
-        // Signing in links the account and the sync raises the count as pages are saved; the
-        // sync button says what it is doing meanwhile.
-        QCOMPARE(model.syncLabel(), QStringLiteral("Sync now"));
-        QStringList labels;
-        connect(&model, &SidebarModel::syncingChanged, this, [&] { labels << model.syncLabel(); });
-        runTask(m_state->login("a@b.c", "password1"));
-        QCOMPARE(labels, (QStringList{"Syncing…", "Sync now"}));
-        QCOMPARE(model.archivedText(), QStringLiteral("2 games archived"));
-        QCOMPARE(model.accountName(), QStringLiteral("Ada#EUW"));
-        QCOMPARE(model.toolbarAccount(), QStringLiteral("Ada#EUW"));
-        QCOMPARE(model.avatarChampion(), QStringLiteral("Lux"));
-        QCOMPARE(model.avatarIconId(), 4568);
-    }
-
-    void staticData_data() {
-        QTest::addColumn<FakeResponse>("versionAnswer");
-        QTest::addColumn<QString>("version");
-        QTest::newRow("backend down") << FakeResponse::text(503, "down") << "16.11.1";
-        QTest::newRow("backend names the version") << FakeResponse::json({{"version", "16.12.1"}}) << "16.12.1";
-    }
-    void staticData() {
-        QFETCH(FakeResponse, versionAnswer);
-        QFETCH(QString, version);
-        m_backend->on("GET", QStringLiteral("/cdn/%1/data/en_US/champion.json").arg(version),
-                      FakeResponse{200, R"({"data":{"Ahri":{"key":"103","id":"Ahri"},"X":{"key":"x1","id":"X"}}})", {}});
-        m_backend->on("GET", "/api/static/version", versionAnswer);
-        m_state->bootstrap(m_store.get());
-        waitIdle();
-        QCOMPARE(m_state->staticVersion(), version);
-        QCOMPARE(m_state->championsById().size(), 1); // the non-number key is skipped
-        QCOMPARE(m_state->championsById().value(103), QStringLiteral("Ahri"));
-        QVERIFY(!m_state->errorMessage());
     }
 };
 

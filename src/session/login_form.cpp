@@ -1,6 +1,6 @@
-#include "app/login_form.h"
+#include "session/login_form.h"
 
-#include "app/app_state.h"
+#include "session/app_state.h"
 
 #include <QTextBoundaryFinder>
 

@@ -1,6 +1,6 @@
-#include "app/account_link_form.h"
+#include "session/account_link_form.h"
 
-#include "app/app_state.h"
+#include "session/app_state.h"
 
 void AccountLinkForm::setAppState(AppState* state) {
     if (m_state == state)

@@ -1,13 +1,13 @@
-#include "game_data/ddragon.h"
+#include "game_data/data_dragon.h"
 
 #include <QTest>
 
-class TestDDragon : public QObject {
+class TestDataDragon : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
     void addresses() {
-        const DDragon cdn;
+        const DataDragon cdn;
         QCOMPARE(cdn.itemIcon(3031, "16.11.1").toString(),
                  QStringLiteral("https://ddragon.leagueoflegends.com/cdn/16.11.1/img/item/3031.png"));
         QCOMPARE(cdn.profileIcon(4568, "16.11.1").toString(),
@@ -16,7 +16,7 @@ private Q_SLOTS:
                  QStringLiteral("https://ddragon.leagueoflegends.com/cdn/16.11.1/img/champion/LeeSin.png"));
         QCOMPARE(cdn.championList("16.11.1").toString(),
                  QStringLiteral("https://ddragon.leagueoflegends.com/cdn/16.11.1/data/en_US/champion.json"));
-        QVERIFY(!DDragon(QStringLiteral("::not a base")).itemIcon(1, "v").isValid());
+        QVERIFY(!DataDragon(QStringLiteral("::not a base")).itemIcon(1, "v").isValid());
     }
 
     void championKey_data() {
@@ -35,7 +35,7 @@ private Q_SLOTS:
         QFETCH(QString, key);
         QFETCH(bool, accepted);
         QFETCH(qint64, id);
-        const auto parsed = DDragon::parseChampionKey(key);
+        const auto parsed = DataDragon::parseChampionKey(key);
         QCOMPARE(parsed.has_value(), accepted);
         if (accepted)
             QCOMPARE(*parsed, id);
@@ -46,17 +46,17 @@ private Q_SLOTS:
             "Ahri":{"key":"103","id":"Ahri","name":"Ahri"},
             "MonkeyKing":{"key":"62","id":"MonkeyKing","name":"Wukong"},
             "Broken":{"key":"abc","id":"Broken"}}})";
-        const auto map = DDragon::parseChampionList(json);
+        const auto map = DataDragon::parseChampionList(json);
         QVERIFY(map);
         QCOMPARE(map->size(), 2);
         QCOMPARE(map->value(62), QStringLiteral("MonkeyKing"));
-        QVERIFY(!DDragon::parseChampionList("not json"));
-        QVERIFY(!DDragon::parseChampionList(R"({"data":[]})"));
+        QVERIFY(!DataDragon::parseChampionList("not json"));
+        QVERIFY(!DataDragon::parseChampionList(R"({"data":[]})"));
         // A list of another shape is refused whole, so the map already known stays.
-        QVERIFY(!DDragon::parseChampionList(R"({"data":{"Ahri":{"key":"103","id":"Ahri"},"NoKey":{"id":"NoKey"}}})"));
-        QVERIFY(!DDragon::parseChampionList(R"({"data":{"Ahri":{"key":103,"id":"Ahri"}}})"));
+        QVERIFY(!DataDragon::parseChampionList(R"({"data":{"Ahri":{"key":"103","id":"Ahri"},"NoKey":{"id":"NoKey"}}})"));
+        QVERIFY(!DataDragon::parseChampionList(R"({"data":{"Ahri":{"key":103,"id":"Ahri"}}})"));
     }
 };
 
-QTEST_GUILESS_MAIN(TestDDragon)
-#include "tst_ddragon.moc"
+QTEST_GUILESS_MAIN(TestDataDragon)
+#include "tst_data_dragon.moc"
