@@ -10,7 +10,7 @@ AuthResponse AuthResponse::decode(const JsonReader& in) {
     return {in.text("token"), in.record<UserDto>("user")};
 }
 
-QString RiotAccountDto::riotId() const {
+QString joinRiotId(const std::optional<QString>& gameName, const std::optional<QString>& tagLine) {
     QStringList parts;
     if (gameName)
         parts << *gameName;
@@ -18,6 +18,8 @@ QString RiotAccountDto::riotId() const {
         parts << *tagLine;
     return parts.join(QLatin1Char('#'));
 }
+
+QString RiotAccountDto::riotId() const { return joinRiotId(gameName, tagLine); }
 
 RiotAccountDto RiotAccountDto::decode(const JsonReader& in) {
     RiotAccountDto a;

@@ -23,6 +23,9 @@ struct AuthResponse {
     static AuthResponse decode(const JsonReader& in);
 };
 
+// The present ones of a Riot ID's name and tag joined with "#": "Name#TAG", "Name", or "".
+[[nodiscard]] QString joinRiotId(const std::optional<QString>& gameName, const std::optional<QString>& tagLine);
+
 struct RiotAccountDto {
     qint64 id = 0;
     QString puuid;

@@ -2,12 +2,12 @@
 
 #include "backend/backend_error.h"
 
+#include <QCoro/QCoroNetworkReply>
 #include <QJsonDocument>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
 #include <QStringDecoder>
-#include <QCoro/QCoroNetworkReply>
 #include <memory>
 
 namespace {
@@ -59,9 +59,9 @@ QCoro::Task<QByteArray> BackendClient::send(Call call) {
     if (call.authorized && m_authToken)
         request.setRawHeader("Authorization", "Bearer " + m_authToken->toUtf8());
 
-    std::unique_ptr<QNetworkReply, DeleteLater> reply(
-        call.body || call.method != "GET" ? m_network.sendCustomRequest(request, call.method, payload)
-                                          : m_network.get(request));
+    std::unique_ptr<QNetworkReply, DeleteLater> reply(call.body || call.method != "GET"
+                                                          ? m_network.sendCustomRequest(request, call.method, payload)
+                                                          : m_network.get(request));
     co_await reply.get();
 
     const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
@@ -79,8 +79,7 @@ QCoro::Task<QByteArray> BackendClient::send(Call call) {
     throw BackendError::http(code, utf8Text(answer));
 }
 
-QCoro::Task<AuthResponse> BackendClient::registerAccount(QString email, QString password,
-                                                         std::optional<QString> name) {
+QCoro::Task<AuthResponse> BackendClient::registerAccount(QString email, QString password, std::optional<QString> name) {
     QJsonObject body{{QStringLiteral("email"), email},
                      {QStringLiteral("password"), password},
                      {QStringLiteral("name"), name.value_or(QString())}};
@@ -92,8 +91,7 @@ QCoro::Task<AuthResponse> BackendClient::login(QString email, QString password) 
     return request<AuthResponse>(Call{"POST", QStringLiteral("auth/login"), {}, body, false});
 }
 
-QCoro::Task<AuthResponse> BackendClient::leagueLogin(QString puuid, QString platform,
-                                                     std::optional<QString> gameName,
+QCoro::Task<AuthResponse> BackendClient::leagueLogin(QString puuid, QString platform, std::optional<QString> gameName,
                                                      std::optional<QString> tagLine) {
     QJsonObject body{{QStringLiteral("puuid"), puuid}, {QStringLiteral("platform"), platform}};
     if (gameName)
@@ -137,4 +135,23 @@ QCoro::Task<StaticVersionResponse> BackendClient::staticVersion() {
 
 QCoro::Task<DuosResponse> BackendClient::duos() {
     return request<DuosResponse>(Call{"GET", QStringLiteral("stats/duos"), {}, {}, true});
+}
+
+QCoro::Task<FriendStatsDto> BackendClient::friendStats(QString puuid) {
+    return request<FriendStatsDto>(
+        Call{"GET", QStringLiteral("stats/friend/") + BackendUrl::encodePathSegment(puuid), {}, {}, true});
+}
+
+QCoro::Task<PlayerProfileDto> BackendClient::playerProfile(QString riotId, QString platform) {
+    return request<PlayerProfileDto>(
+        Call{"GET",
+             QStringLiteral("players/") + BackendUrl::encodePathSegment(riotId) + QStringLiteral("/profile"),
+             {{QStringLiteral("platform"), platform}},
+             {},
+             true});
+}
+
+QCoro::Task<TimelineSummaryDto> BackendClient::matchTimeline(QString matchId) {
+    return request<TimelineSummaryDto>(
+        Call{"GET", QStringLiteral("matches/") + matchId + QStringLiteral("/timeline"), {}, {}, true});
 }

@@ -4,12 +4,13 @@
 #include "backend/archive_records.h"
 #include "backend/backend_url.h"
 #include "backend/social_records.h"
+#include "backend/timeline_records.h"
 
+#include <QCoro/QCoroTask>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QString>
 #include <QUrl>
-#include <QCoro/QCoroTask>
 #include <optional>
 
 class QNetworkAccessManager;
@@ -40,6 +41,11 @@ public:
 
     // Social.
     QCoro::Task<DuosResponse> duos();
+    QCoro::Task<FriendStatsDto> friendStats(QString puuid);
+    // riotId as the user typed it, sent whole as one path segment.
+    QCoro::Task<PlayerProfileDto> playerProfile(QString riotId, QString platform);
+    // matchId: the game's Riot match id as stored ("EUW1_7123456789"), inserted as it is.
+    QCoro::Task<TimelineSummaryDto> matchTimeline(QString matchId);
 
 private:
     struct Call {

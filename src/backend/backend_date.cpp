@@ -12,8 +12,8 @@ namespace {
 
 std::unique_ptr<icu::SimpleDateFormat> makeFormat(const char16_t* pattern) {
     UErrorCode status = U_ZERO_ERROR;
-    auto format = std::make_unique<icu::SimpleDateFormat>(icu::UnicodeString(pattern),
-                                                          icu::Locale("en_US_POSIX"), status);
+    auto format =
+        std::make_unique<icu::SimpleDateFormat>(icu::UnicodeString(pattern), icu::Locale("en_US_POSIX"), status);
     if (U_FAILURE(status))
         return nullptr;
     format->adoptTimeZone(icu::TimeZone::createTimeZone(icu::UnicodeString(u"UTC")));
@@ -24,8 +24,7 @@ std::unique_ptr<icu::SimpleDateFormat> makeFormat(const char16_t* pattern) {
 std::optional<QDateTime> parseWhole(const icu::DateFormat* format, const QString& text) {
     if (!format)
         return std::nullopt;
-    const icu::UnicodeString input(reinterpret_cast<const UChar*>(text.utf16()),
-                                   static_cast<int32_t>(text.size()));
+    const icu::UnicodeString input(reinterpret_cast<const UChar*>(text.utf16()), static_cast<int32_t>(text.size()));
     icu::ParsePosition position(0);
     const UDate millis = format->parse(input, position);
     if (position.getErrorIndex() >= 0 || position.getIndex() != input.length())
@@ -98,8 +97,7 @@ std::optional<QDateTime> fromBackend(const std::optional<QString>& text) {
     // stored game. All store work happens on one thread, so sharing needs no lock.
     thread_local const std::unique_ptr<icu::SimpleDateFormat> withFraction =
         makeFormat(u"yyyy-MM-dd'T'HH:mm:ss.SSSSSSXXXXX");
-    thread_local const std::unique_ptr<icu::SimpleDateFormat> wholeSeconds =
-        makeFormat(u"yyyy-MM-dd'T'HH:mm:ssXXXXX");
+    thread_local const std::unique_ptr<icu::SimpleDateFormat> wholeSeconds = makeFormat(u"yyyy-MM-dd'T'HH:mm:ssXXXXX");
 
     if (auto date = parseWhole(withFraction.get(), *text))
         return date;

@@ -4,6 +4,22 @@
 
 namespace BackendUrl {
 
+QString encodePathSegment(const QString& text) {
+    static constexpr char hex[] = "0123456789ABCDEF";
+    QString out;
+    for (const char byte : text.toUtf8()) {
+        const auto c = static_cast<unsigned char>(byte);
+        if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9')) {
+            out += QLatin1Char(char(c));
+        } else {
+            out += QLatin1Char('%');
+            out += QLatin1Char(hex[c >> 4]);
+            out += QLatin1Char(hex[c & 15]);
+        }
+    }
+    return out;
+}
+
 QByteArray encodeQueryComponent(const QString& text) {
     // Unreserved characters and the sub-delimiters a query may carry stay; "&", "=", "+", "#",
     // space and everything outside ASCII are percent-encoded.

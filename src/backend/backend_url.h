@@ -15,6 +15,10 @@ namespace BackendUrl {
 // ("Bad base URL" or "Bad URL").
 [[nodiscard]] QUrl build(const QUrl& base, const QString& path, const QueryItems& query);
 
+// A text made into one path segment: every byte of its UTF-8 form other than an ASCII letter or
+// digit as "%" and two upper-case hex digits ("Name#TAG" → "Name%23TAG").
+[[nodiscard]] QString encodePathSegment(const QString& text);
+
 // One query name or value in its encoded form.
 [[nodiscard]] QByteArray encodeQueryComponent(const QString& text);
 

@@ -794,6 +794,11 @@ qsizetype JsonReader::listSize(quint32 list) const {
     return m_tree->nodes[list].size;
 }
 
+bool JsonReader::present(const char* key) const {
+    const quint32* value = find(key);
+    return value && m_tree->nodes[*value].kind != Kind::Null;
+}
+
 JsonReader JsonReader::child(const char* key) const {
     const quint32 value = required(key, "an object");
     if (m_tree->nodes[value].kind != Kind::Object)

@@ -61,6 +61,14 @@ public:
     [[nodiscard]] std::optional<QList<qint64>> optIntegers(const char* key) const;
 
     template <class T> [[nodiscard]] T record(const char* key) const { return T::decode(child(key)); }
+    // A nested record that may be missing or null.
+    template <class T> [[nodiscard]] std::optional<T> optRecord(const char* key) const {
+        if (!present(key))
+            return std::nullopt;
+        return T::decode(child(key));
+    }
+    // Whether the key is there with a value other than null.
+    [[nodiscard]] bool present(const char* key) const;
 
     template <class T> [[nodiscard]] QList<T> records(const char* key) const {
         const quint32 list = requiredList(key);
