@@ -38,7 +38,10 @@ int main(int argc, char** argv) {
         std::error_code ignored;
         std::filesystem::create_directories(config.dataDir, ignored);
         auto database = qf::Database::open({config.database, config.threads});
-        const qf::ChampionCatalog champions = qf::ChampionCatalog::shipped();
+        qf::ChampionDirectoryOptions championOptions;
+        championOptions.version = config.staticVersion;
+        championOptions.cacheDir = config.dataDir;
+        const qf::ChampionDirectory champions(championOptions);
 
         qf::AuthService auth(*database, {config.leagueLogin});
         qf::RiotAccountService riotAccounts(*database);

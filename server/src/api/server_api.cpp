@@ -75,12 +75,15 @@ void installApi(Router& router, ApiServices s, ApiSettings settings, std::functi
         return HttpResponse::json(answers::syncPage(s.sync.page(user, request.queryValue("cursor"))));
     });
     router.add("POST", "/api/matches/ingest-local", [s, now](R request) {
-        s.auth.userOf(request, now());
+        const int64_t user = s.auth.userOf(request, now());
         const Body body(request);
+        std::vector<std::string> uploader;
+        for (const RiotAccount& account : s.riotAccounts.list(user))
+            uploader.push_back(account.puuid);
         const std::optional<json::Element> games = json::member(body.document.root(), "games");
         if (!games || !json::isArray(*games))
             throw HttpError(400, "Expected a JSON object with a \"games\" list.");
-        const IngestOutcome outcome = s.ingest.ingest(*games, now());
+        const IngestOutcome outcome = s.ingest.ingest(*games, now(), &uploader);
         return HttpResponse::json(answers::ingest(outcome.ingested, outcome.skipped, outcome.matchIds));
     });
     router.add("GET", "/api/static/version", [settings](R) {

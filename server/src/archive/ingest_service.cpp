@@ -80,7 +80,7 @@ IngestService::IngestService(Database& database, const ChampionCatalog& champion
 IngestService::IngestService(Database& database, const ChampionDirectory& champions)
     : m_database(database), m_directory(&champions) {}
 
-IngestOutcome IngestService::ingest(json::Element games, int64_t now) {
+IngestOutcome IngestService::ingest(json::Element games, int64_t now, const std::vector<std::string>* uploader) {
     simdjson::dom::array elements;
     if (games.get(elements) != simdjson::SUCCESS)
         throw HttpError(400, "Expected a JSON object with a \"games\" list.");
@@ -118,7 +118,13 @@ IngestOutcome IngestService::ingest(json::Element games, int64_t now) {
             if (before) {
                 keepRanks(*before, game);
                 const bool lessComplete = !client.complete && before->participants.size() > game.participants.size();
-                if (lessComplete || sameGame(*before, game)) {
+                const bool othersGame =
+                    uploader && std::none_of(before->participants.begin(), before->participants.end(),
+                                             [&](const Participant& p) {
+                                                 return std::find(uploader->begin(), uploader->end(), p.puuid) !=
+                                                        uploader->end();
+                                             });
+                if (lessComplete || othersGame || sameGame(*before, game)) {
                     ++result.skipped;
                     continue;
                 }

@@ -29,7 +29,11 @@ public:
 
     // games: a JSON array of game objects. One write transaction: the whole batch or none.
     // Throws HttpError 400 when games is not an array.
-    IngestOutcome ingest(json::Element games, int64_t now);
+    // uploader: the puuids of the uploading user's linked accounts. When given, a game already
+    // stored is changed only by a user who played in it: anyone may add a game the server has
+    // not seen, but nobody can rewrite the figures of somebody else's. (The server cannot check
+    // what a League client says; this keeps the harm one account can do to its own games.)
+    IngestOutcome ingest(json::Element games, int64_t now, const std::vector<std::string>* uploader = nullptr);
 
     // Scores every game of the account that has none yet, oldest first (after a link).
     static void scoreAccount(Repository& repository, const RiotAccount& account);

@@ -5,7 +5,7 @@
 #include "backend/backend_client.h"
 #include "store/database.h"
 #include "support/client_games.h"
-#include "support/engines.h"
+#include "store/test_databases.h"
 #include "support/task_result.h"
 #include "support/test_server.h"
 
@@ -23,7 +23,7 @@ class TestServerContract : public QObject {
     Q_OBJECT
 
     QNetworkAccessManager m_network;
-    std::unique_ptr<FreshDatabase> m_database;
+    std::unique_ptr<qf::test::TestDatabase> m_database;
     std::unique_ptr<TestServer> m_server;
 
     BackendClient client(std::optional<QString> token = std::nullopt) {
@@ -68,13 +68,12 @@ class TestServerContract : public QObject {
     }
 
 private Q_SLOTS:
-    void initTestCase_data() { Engines::addRows(); }
+    void initTestCase_data() { qf::test::addEngineRows(); }
 
     void init() {
         QFETCH_GLOBAL(QString, engine);
-        m_database = FreshDatabase::make(engine);
-        if (!m_database)
-            QSKIP("PostgreSQL is not available to this test run");
+        m_database = std::make_unique<qf::test::TestDatabase>(engine);
+        QFS_REQUIRE_DATABASE(*m_database);
         m_server = std::make_unique<TestServer>(m_database->address());
     }
 
@@ -209,14 +208,14 @@ private Q_SLOTS:
         const QString third = signUp(QStringLiteral("eve@example.org"));
         BackendClient c = client(other);
         // The fixture's second player, typed in another case: names compare case-insensitively.
-        const RiotAccountDto linked = runTask(c.addRiotAccount(QStringLiteral("METRONOMEMA#na1"), "na1"));
+        const RiotAccountDto linked = runTask(c.addRiotAccount(QStringLiteral("atl DOINB#na1"), "na1"));
         QCOMPARE(linked.puuid, players[1]);
         QCOMPARE(linked.isOwner, std::optional<bool>(false));
         // The game of the new account is now in the linking user's archive.
         QCOMPARE(pullAll(other).matches.size(), 1);
-        QCOMPARE(runTask(c.addRiotAccount(QStringLiteral("MetronomeMa#NA1"), "na1")).id, linked.id);
+        QCOMPARE(runTask(c.addRiotAccount(QStringLiteral("ATL Doinb#NA1"), "na1")).id, linked.id);
 
-        QCOMPARE(describe(backendErrorOf(client(third).addRiotAccount("MetronomeMa#NA1", "na1"))),
+        QCOMPARE(describe(backendErrorOf(client(third).addRiotAccount("ATL Doinb#NA1", "na1"))),
                  QStringLiteral("Server error 409. This Riot account is already linked to another user."));
         QCOMPARE(describe(backendErrorOf(c.addRiotAccount("Nobody Here#EUW", "euw1"))),
                  QStringLiteral("Server error 404. No player named Nobody Here#EUW has been seen on this server "
@@ -252,7 +251,7 @@ private Q_SLOTS:
         QCOMPARE(describe(backendErrorOf(client(token).friendStats(QStringLiteral("never-seen")))),
                  QStringLiteral("Server error 404. No player with this id has been seen on this server."));
 
-        const PlayerProfileDto profile = runTask(client(token).playerProfile(QStringLiteral("metronomema#NA1"), "na1"));
+        const PlayerProfileDto profile = runTask(client(token).playerProfile(QStringLiteral("Atl doinb#NA1"), "na1"));
         QCOMPARE(profile.account.puuid, players[1]);
         QVERIFY(profile.ranks.isEmpty() && profile.mastery.isEmpty());
         QCOMPARE(describe(backendErrorOf(client(token).playerProfile(QStringLiteral("Zed Main#ÄÖÜ"), "euw1"))),
