@@ -3,6 +3,8 @@
 
 #include "json/json_input.h"
 
+#include <algorithm>
+
 #include "http/http_message.h"
 
 #include <charconv>
@@ -204,7 +206,11 @@ std::optional<std::string> optText(Element object, std::string_view key) {
     const auto view = optText(*value);
     if (!view)
         return std::nullopt;
-    return std::string(*view);
+    // JSON may carry "\u0000"; no text we keep means anything by it, and PostgreSQL cannot store
+    // it, so it goes here rather than failing a whole upload later.
+    std::string out(*view);
+    out.erase(std::remove(out.begin(), out.end(), '\0'), out.end());
+    return out;
 }
 
 std::optional<int64_t> optInteger(Element object, std::string_view key) {

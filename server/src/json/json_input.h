@@ -45,6 +45,7 @@ private:
 [[nodiscard]] double real(Element object, std::string_view key, double fallback = 0);
 [[nodiscard]] std::string text(Element object, std::string_view key, std::string_view fallback = {});
 [[nodiscard]] bool boolean(Element object, std::string_view key, bool fallback = false);
+// Texts read by key lose any NUL characters.
 [[nodiscard]] std::optional<std::string> optText(Element object, std::string_view key);
 [[nodiscard]] std::optional<int64_t> optInteger(Element object, std::string_view key);
 
