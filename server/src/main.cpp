@@ -71,8 +71,8 @@ int main(int argc, char** argv) {
                   << (config.host.find(':') != std::string::npos ? "[" + config.host + "]" : config.host) << ":"
                   << server.port() << " (" << describe(config, database->engine()) << ")" << std::endl;
         if (config.demo)
-            std::cout << "Demo account: " << qf::DemoCredentials::email << "  password: "
-                      << qf::DemoCredentials::password << std::endl;
+            std::cout << "Demo account: " << qf::DemoCredentials::email
+                      << "  password: " << qf::DemoCredentials::password << std::endl;
         if (!config.leagueLogin)
             std::cout << "Sign-in with League is off (not a loopback address; --allow-league-login turns it on)."
                       << std::endl;

@@ -1,7 +1,7 @@
 #include "api/api_answers.h"
 
-#include "json/json_writer.h"
 #include "text/timestamps.h"
+#include "json/json_writer.h"
 
 namespace qf::answers {
 
@@ -189,10 +189,7 @@ std::string friendRecord(const FriendRecord& r) {
     w.field("games", r.games).field("wins", r.wins).field("losses", r.losses).field("winrate", r.winrate);
     w.endObject().key("games").beginArray();
     for (const FriendGame& g : r.gamesTogether) {
-        w.beginObject()
-            .field("match_id", g.matchId)
-            .field("season", g.season)
-            .field("queue_id", g.queueId);
+        w.beginObject().field("match_id", g.matchId).field("season", g.season).field("queue_id", g.queueId);
         w.key("game_mode");
         g.gameMode.empty() ? w.null() : w.value(g.gameMode);
         w.field("played_at", isoTimestamp(g.playedAt))

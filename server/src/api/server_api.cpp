@@ -22,9 +22,7 @@ struct Body {
             throw HttpError(400, "The request needs \"" + std::string(key) + "\" as text.");
         return *value;
     }
-    std::optional<std::string> optionalText(std::string_view key) const {
-        return json::optText(document.root(), key);
-    }
+    std::optional<std::string> optionalText(std::string_view key) const { return json::optText(document.root(), key); }
     json::Document document;
 };
 
@@ -40,9 +38,9 @@ void installApi(Router& router, ApiServices s, ApiSettings settings, std::functi
 
     router.add("POST", "/api/auth/register", [s, now](R request) {
         const Body body(request);
-        return HttpResponse::json(answers::auth(s.auth.registerUser(
-            body.requiredText("email"), body.requiredText("password"), body.optionalText("name"),
-            request.remoteAddress, now())));
+        return HttpResponse::json(
+            answers::auth(s.auth.registerUser(body.requiredText("email"), body.requiredText("password"),
+                                              body.optionalText("name"), request.remoteAddress, now())));
     });
     router.add("POST", "/api/auth/login", [s, now](R request) {
         const Body body(request);
@@ -51,10 +49,9 @@ void installApi(Router& router, ApiServices s, ApiSettings settings, std::functi
     });
     router.add("POST", "/api/auth/league", [s, now](R request) {
         const Body body(request);
-        return HttpResponse::json(answers::auth(s.auth.leagueLogin(body.requiredText("puuid"),
-                                                                   body.requiredText("platform"),
-                                                                   body.optionalText("game_name"),
-                                                                   body.optionalText("tag_line"), now())));
+        return HttpResponse::json(
+            answers::auth(s.auth.leagueLogin(body.requiredText("puuid"), body.requiredText("platform"),
+                                             body.optionalText("game_name"), body.optionalText("tag_line"), now())));
     });
 
     router.add("GET", "/api/riot-accounts", [s, now](R request) {

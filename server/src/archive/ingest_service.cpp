@@ -119,11 +119,10 @@ IngestOutcome IngestService::ingest(json::Element games, int64_t now, const std:
                 keepRanks(*before, game);
                 const bool lessComplete = !client.complete && before->participants.size() > game.participants.size();
                 const bool othersGame =
-                    uploader && std::none_of(before->participants.begin(), before->participants.end(),
-                                             [&](const Participant& p) {
-                                                 return std::find(uploader->begin(), uploader->end(), p.puuid) !=
-                                                        uploader->end();
-                                             });
+                    uploader &&
+                    std::none_of(before->participants.begin(), before->participants.end(), [&](const Participant& p) {
+                        return std::find(uploader->begin(), uploader->end(), p.puuid) != uploader->end();
+                    });
                 if (lessComplete || othersGame || sameGame(*before, game)) {
                     ++result.skipped;
                     continue;

@@ -14,7 +14,8 @@ namespace {
 
 // Characters, not bytes: a password of seven emoji is seven long.
 size_t codePoints(std::string_view text) {
-    return size_t(std::count_if(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+    return size_t(
+        std::count_if(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
 }
 
 std::string_view trimmed(std::string_view s) {
@@ -96,8 +97,7 @@ SignedIn AuthService::registerUser(std::string_view email, std::string_view pass
     }
 }
 
-SignedIn AuthService::login(std::string_view email, std::string_view password, std::string_view address,
-                            int64_t now) {
+SignedIn AuthService::login(std::string_view email, std::string_view password, std::string_view address, int64_t now) {
     const std::string key = emailKey(email);
     const std::optional<User> user = m_database.read([&](Repository& repository) {
         LoginThrottle::check(repository, key, address, now);

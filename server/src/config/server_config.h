@@ -14,7 +14,7 @@ namespace qf {
 struct ServerConfig {
     std::string host = "127.0.0.1";
     uint16_t port = 8000;
-    std::string dataDir; // where the SQLite file and cached static data live
+    std::string dataDir;  // where the SQLite file and cached static data live
     std::string database; // "postgresql://…", or an SQLite file (default: dataDir/quillfern.sqlite)
     bool demo = false;
     bool leagueLogin = true; // on by default only when listening on a loopback address

@@ -37,7 +37,8 @@ std::optional<std::string> riotIdOf(const Participant& p) {
 
 } // namespace
 
-std::optional<std::string> rankLabel(const std::optional<std::string>& tier, const std::optional<std::string>& division) {
+std::optional<std::string> rankLabel(const std::optional<std::string>& tier,
+                                     const std::optional<std::string>& division) {
     if (!tier || tier->empty())
         return std::nullopt;
     std::string label = *tier;
@@ -129,9 +130,10 @@ FriendRecord SocialService::friendRecord(int64_t userId, std::string_view puuid)
             const Participant* me = ownRow(game, mine);
             if (!me)
                 continue;
-            const auto other = std::find_if(game.participants.begin(), game.participants.end(), [&](const Participant& p) {
-                return p.puuid == puuid && p.teamId == me->teamId && &p != me;
-            });
+            const auto other =
+                std::find_if(game.participants.begin(), game.participants.end(), [&](const Participant& p) {
+                    return p.puuid == puuid && p.teamId == me->teamId && &p != me;
+                });
             if (other == game.participants.end())
                 continue;
             FriendGame g;

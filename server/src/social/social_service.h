@@ -19,7 +19,7 @@ struct Duo {
     int64_t wins = 0;
     int64_t losses = 0;
     double winrate = 0;
-    int64_t lastPlayed = 0; // ms
+    int64_t lastPlayed = 0;          // ms
     std::optional<std::string> rank; // "Gold II"
     std::optional<int64_t> profileIconId;
 };
@@ -80,6 +80,7 @@ private:
 };
 
 // "Gold II", "Master"; nullopt without a tier. Pure.
-std::optional<std::string> rankLabel(const std::optional<std::string>& tier, const std::optional<std::string>& division);
+std::optional<std::string> rankLabel(const std::optional<std::string>& tier,
+                                     const std::optional<std::string>& division);
 
 } // namespace qf

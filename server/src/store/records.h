@@ -13,7 +13,7 @@ namespace qf {
 
 struct User {
     int64_t id = 0;
-    std::string email; // as registered, trimmed; looked up by emailKey
+    std::string email;    // as registered, trimmed; looked up by emailKey
     std::string emailKey; // lower-cased e-mail: the unique key
     std::optional<std::string> name;
     std::string passwordHash; // libsodium argon2id string; empty for users made by League sign-in
@@ -28,7 +28,7 @@ struct RiotAccount {
     std::optional<std::string> gameName;
     std::optional<std::string> tagLine;
     std::string platform; // "euw1", lower case
-    std::string region; // "europe", "americas", "asia", "sea"
+    std::string region;   // "europe", "americas", "asia", "sea"
     bool isOwner = false;
     std::optional<int64_t> profileIconId;
     std::optional<int64_t> summonerLevel;
@@ -50,7 +50,7 @@ struct Player {
 
 struct Match {
     int64_t id = 0;
-    std::string matchId; // "EUW1_7123456789"
+    std::string matchId;  // "EUW1_7123456789"
     std::string platform; // "EUW1", as the game names it
     int64_t queueId = 0;
     bool isRanked = false;

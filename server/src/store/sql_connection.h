@@ -16,10 +16,18 @@ namespace qf {
 
 using SqlValue = std::variant<std::monostate, int64_t, double, std::string>;
 
-inline SqlValue sqlNull() { return std::monostate{}; }
-inline SqlValue sqlOpt(const std::optional<std::string>& v) { return v ? SqlValue(*v) : sqlNull(); }
-inline SqlValue sqlOpt(const std::optional<int64_t>& v) { return v ? SqlValue(*v) : sqlNull(); }
-inline SqlValue sqlOpt(const std::optional<double>& v) { return v ? SqlValue(*v) : sqlNull(); }
+inline SqlValue sqlNull() {
+    return std::monostate{};
+}
+inline SqlValue sqlOpt(const std::optional<std::string>& v) {
+    return v ? SqlValue(*v) : sqlNull();
+}
+inline SqlValue sqlOpt(const std::optional<int64_t>& v) {
+    return v ? SqlValue(*v) : sqlNull();
+}
+inline SqlValue sqlOpt(const std::optional<double>& v) {
+    return v ? SqlValue(*v) : sqlNull();
+}
 
 // A failure of the database itself (connection lost, disk full, constraint broken). The HTTP
 // layer answers it with 503, never with the engine's text.

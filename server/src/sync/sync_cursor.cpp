@@ -8,7 +8,9 @@ namespace {
 constexpr std::string_view prefix = "c1.";
 }
 
-std::string encodeSyncCursor(int64_t changeSeq) { return std::string(prefix) + std::to_string(changeSeq); }
+std::string encodeSyncCursor(int64_t changeSeq) {
+    return std::string(prefix) + std::to_string(changeSeq);
+}
 
 std::optional<int64_t> decodeSyncCursor(std::string_view cursor) {
     if (cursor.size() <= prefix.size() || cursor.substr(0, prefix.size()) != prefix || cursor.size() > 24)

@@ -8,10 +8,22 @@ namespace qf {
 namespace {
 
 constexpr std::array<std::pair<std::string_view, std::string_view>, 17> platforms{{
-    {"br1", "americas"}, {"la1", "americas"}, {"la2", "americas"}, {"na1", "americas"},
-    {"eun1", "europe"},  {"euw1", "europe"},  {"me1", "europe"},   {"ru", "europe"},
-    {"tr1", "europe"},   {"jp1", "asia"},     {"kr", "asia"},      {"oc1", "sea"},
-    {"ph2", "sea"},      {"sg2", "sea"},      {"th2", "sea"},      {"tw2", "sea"},
+    {"br1", "americas"},
+    {"la1", "americas"},
+    {"la2", "americas"},
+    {"na1", "americas"},
+    {"eun1", "europe"},
+    {"euw1", "europe"},
+    {"me1", "europe"},
+    {"ru", "europe"},
+    {"tr1", "europe"},
+    {"jp1", "asia"},
+    {"kr", "asia"},
+    {"oc1", "sea"},
+    {"ph2", "sea"},
+    {"sg2", "sea"},
+    {"th2", "sea"},
+    {"tw2", "sea"},
     {"vn2", "sea"},
 }};
 

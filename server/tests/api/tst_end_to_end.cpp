@@ -41,7 +41,8 @@ private Q_SLOTS:
                           QString::number(game["gameId"].toInteger()),
                       FakeResponse::json(game));
         }
-        lcu.serve(QString::fromLatin1(FakeLeagueClient::historyPath), FakeResponse::json({{"games", QJsonObject{{"games", list}}}}));
+        lcu.serve(QString::fromLatin1(FakeLeagueClient::historyPath),
+                  FakeResponse::json({{"games", QJsonObject{{"games", list}}}}));
 
         QTemporaryDir dir;
         const QString lockfile = FakeLeagueClient::writeFile(dir.filePath("lockfile"), lcu.lockfileText());
@@ -50,8 +51,8 @@ private Q_SLOTS:
         QNetworkAccessManager network;
         ArchiveStore store(dir.filePath(QStringLiteral("archive.sqlite")));
         AppState state(*settings, network);
-        state.setLeagueClientSources(
-            {{lockfile, dir.filePath(QStringLiteral("absent"))}, [] { return std::optional<QByteArray>(QByteArray()); }});
+        state.setLeagueClientSources({{lockfile, dir.filePath(QStringLiteral("absent"))},
+                                      [] { return std::optional<QByteArray>(QByteArray()); }});
         state.bootstrap(&store);
 
         // Sign in with League: the server links the client's account and the sync that follows

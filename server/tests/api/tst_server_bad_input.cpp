@@ -55,8 +55,8 @@ private Q_SLOTS:
         options.bodyLimit = 1024 * 1024;
         m_server = std::make_unique<TestServer>(m_database->address(), options);
         const QStringList players = ClientGames::puuids(9);
-        const Answer signedIn = send("POST", "/api/auth/league",
-                                     R"({"puuid":")" + players[0].toUtf8() + R"(","platform":"na1"})", false);
+        const Answer signedIn =
+            send("POST", "/api/auth/league", R"({"puuid":")" + players[0].toUtf8() + R"(","platform":"na1"})", false);
         QCOMPARE(signedIn.status, 200);
         m_token = QJsonDocument::fromJson(signedIn.body)["token"].toString().toUtf8();
         const QByteArray games = QJsonDocument(QJsonObject{{"games", QJsonArray{ClientGames::game(7001, players)}}})
@@ -74,13 +74,14 @@ private Q_SLOTS:
         const QByteArray ingest = "/api/matches/ingest-local";
         QTest::newRow("not JSON") << QByteArray("POST") << ingest << QByteArray("{\"games\": [") << 400
                                   << "The request body is not valid JSON.";
-        QTest::newRow("a list for an object") << QByteArray("POST") << QByteArray("/api/auth/login")
-                                              << QByteArray("[1,2]") << 400 << "The request body must be a JSON object.";
+        QTest::newRow("a list for an object")
+            << QByteArray("POST") << QByteArray("/api/auth/login") << QByteArray("[1,2]") << 400
+            << "The request body must be a JSON object.";
         QTest::newRow("number for text") << QByteArray("POST") << QByteArray("/api/auth/register")
                                          << QByteArray(R"({"email":5,"password":"correct horse"})") << 400
                                          << "The request needs \"email\" as text.";
-        QTest::newRow("games not a list") << QByteArray("POST") << ingest << QByteArray(R"({"games":{"0":{}}})")
-                                          << 400 << "Expected a JSON object with a \"games\" list.";
+        QTest::newRow("games not a list") << QByteArray("POST") << ingest << QByteArray(R"({"games":{"0":{}}})") << 400
+                                          << "Expected a JSON object with a \"games\" list.";
         QTest::newRow("invalid UTF-8") << QByteArray("POST") << QByteArray("/api/riot-accounts")
                                        << QByteArray("{\"riot_id\":\"\xff\xfe#EUW\",\"platform\":\"euw1\"}") << 400
                                        << "The request body is not valid JSON.";
@@ -91,8 +92,8 @@ private Q_SLOTS:
                                       << "No such endpoint.";
         QTest::newRow("wrong method") << QByteArray("DELETE") << QByteArray("/api/sync") << QByteArray() << 405
                                       << "This endpoint does not accept DELETE.";
-        QTest::newRow("NUL in a path piece") << QByteArray("GET") << QByteArray("/api/stats/friend/ab%00cd")
-                                             << QByteArray() << 400 << "Bad path.";
+        QTest::newRow("NUL in a path piece")
+            << QByteArray("GET") << QByteArray("/api/stats/friend/ab%00cd") << QByteArray() << 400 << "Bad path.";
         QTest::newRow("climbing path") << QByteArray("GET") << QByteArray("/api/players/..%2F..%2Fetc%2Fpasswd/profile")
                                        << QByteArray() << 400 << "Enter a Riot ID in the form Name#TAG.";
         QTest::newRow("huge puuid") << QByteArray("GET") << ("/api/stats/friend/" + QByteArray(5000, 'a'))
@@ -101,14 +102,15 @@ private Q_SLOTS:
                                             << QByteArray() << 404 << "This game has no timeline on this server.";
         QTest::newRow("negative cursor") << QByteArray("GET") << QByteArray("/api/sync?cursor=c1.-5") << QByteArray()
                                          << 400 << "The sync cursor is not one this server made.";
-        QTest::newRow("overflowing cursor") << QByteArray("GET")
-                                            << QByteArray("/api/sync?cursor=c1.99999999999999999999") << QByteArray()
-                                            << 400 << "The sync cursor is not one this server made.";
-        QTest::newRow("unknown platform") << QByteArray("GET") << QByteArray("/api/players/A%23B/profile?platform=%27;--")
-                                          << QByteArray() << 400 << "Unknown platform \"';--\".";
-        QTest::newRow("bad puuid at sign-in")
-            << QByteArray("POST") << QByteArray("/api/auth/league") << QByteArray(R"({"puuid":"../x","platform":"euw1"})")
-            << 400 << "The League client's player id is not valid.";
+        QTest::newRow("overflowing cursor")
+            << QByteArray("GET") << QByteArray("/api/sync?cursor=c1.99999999999999999999") << QByteArray() << 400
+            << "The sync cursor is not one this server made.";
+        QTest::newRow("unknown platform")
+            << QByteArray("GET") << QByteArray("/api/players/A%23B/profile?platform=%27;--") << QByteArray() << 400
+            << "Unknown platform \"';--\".";
+        QTest::newRow("bad puuid at sign-in") << QByteArray("POST") << QByteArray("/api/auth/league")
+                                              << QByteArray(R"({"puuid":"../x","platform":"euw1"})") << 400
+                                              << "The League client's player id is not valid.";
     }
     void refused() {
         QFETCH(QByteArray, method);
@@ -136,7 +138,8 @@ private Q_SLOTS:
         first["player"] = player;
         identities[1] = first;
         nul["participantIdentities"] = identities;
-        const QJsonArray games{1, "text", QJsonValue(), QJsonArray{}, QJsonObject{}, QJsonObject{{"gameId", true}}, nul};
+        const QJsonArray games{1,  "text", QJsonValue(), QJsonArray{}, QJsonObject{}, QJsonObject{{"gameId", true}},
+                               nul};
         const Answer answer = send("POST", "/api/matches/ingest-local",
                                    QJsonDocument(QJsonObject{{"games", games}}).toJson(QJsonDocument::Compact));
         QCOMPARE(answer.status, 200);

@@ -4,8 +4,8 @@
 
 #include "backend/backend_client.h"
 #include "store/database.h"
-#include "support/client_games.h"
 #include "store/test_databases.h"
+#include "support/client_games.h"
 #include "support/task_result.h"
 #include "support/test_server.h"
 
@@ -15,7 +15,9 @@
 
 namespace {
 
-QString describe(const std::optional<BackendError>& error) { return describeOrEmpty(error); }
+QString describe(const std::optional<BackendError>& error) {
+    return describeOrEmpty(error);
+}
 
 } // namespace
 
@@ -261,12 +263,13 @@ private Q_SLOTS:
                  QStringLiteral("Server error 404. This game has no timeline on this server."));
         m_server->database().write([&](qf::Repository& repository) {
             const auto game = repository.gameByMatchId("NA1_3001");
-            repository.storeTimeline(game->match.id, players[0].toStdString(),
-                                     R"({"ownerChampion":"Singed","ownerTeam":100,"frames":[{"t":0,"ownerTeamGold":2500,)"
-                                     R"("enemyTeamGold":2500,"goldDiff":0,"ownerGold":500,"ownerCs":0,"ownerXp":0,)"
-                                     R"("ownerLevel":1}],"events":[],"stats":{"objectives":{"dragons":{"mine":1,)"
-                                     R"("enemy":2},"barons":{"mine":0,"enemy":1},"heralds":{"mine":1,"enemy":0},)"
-                                     R"("towers":{"mine":3,"enemy":9}}}})");
+            repository.storeTimeline(
+                game->match.id, players[0].toStdString(),
+                R"({"ownerChampion":"Singed","ownerTeam":100,"frames":[{"t":0,"ownerTeamGold":2500,)"
+                R"("enemyTeamGold":2500,"goldDiff":0,"ownerGold":500,"ownerCs":0,"ownerXp":0,)"
+                R"("ownerLevel":1}],"events":[],"stats":{"objectives":{"dragons":{"mine":1,)"
+                R"("enemy":2},"barons":{"mine":0,"enemy":1},"heralds":{"mine":1,"enemy":0},)"
+                R"("towers":{"mine":3,"enemy":9}}}})");
         });
         const TimelineSummaryDto timeline = runTask(client(token).matchTimeline(QStringLiteral("NA1_3001")));
         QCOMPARE(timeline.ownerChampion, QStringLiteral("Singed"));

@@ -67,8 +67,8 @@ private Q_SLOTS:
         QTest::addColumn<int>("exitCode");
         QTest::newRow("help") << QStringList{"--help"} << "Usage: quillfern-server" << 0;
         QTest::newRow("unknown") << QStringList{"--frobnicate"} << "Unknown option --frobnicate." << 2;
-        QTest::newRow("listen without port") << QStringList{"--listen", "127.0.0.1"}
-                                             << "Cannot read the listen address" << 2;
+        QTest::newRow("listen without port")
+            << QStringList{"--listen", "127.0.0.1"} << "Cannot read the listen address" << 2;
         QTest::newRow("value missing") << QStringList{"--database"} << "--database needs an address." << 2;
         QTest::newRow("threads") << QStringList{"--threads=0"} << "--threads needs a number from 1 to 256." << 2;
         QTest::newRow("unreachable database")
@@ -88,9 +88,8 @@ private Q_SLOTS:
     }
 
     void settingsFromTheEnvironment() {
-        std::map<std::string, std::string> env{{"QUILLFERN_LISTEN", "0.0.0.0:9000"},
-                                               {"QUILLFERN_DATA_DIR", "/srv/qf"},
-                                               {"QUILLFERN_DEMO", "1"}};
+        std::map<std::string, std::string> env{
+            {"QUILLFERN_LISTEN", "0.0.0.0:9000"}, {"QUILLFERN_DATA_DIR", "/srv/qf"}, {"QUILLFERN_DEMO", "1"}};
         auto lookup = [&](const char* name) -> std::optional<std::string> {
             auto it = env.find(name);
             return it == env.end() ? std::nullopt : std::optional<std::string>(it->second);
@@ -138,8 +137,7 @@ private Q_SLOTS:
         auto server = start();
         QVERIFY(server);
         const QStringList players = ClientGames::puuids(8);
-        const QString token =
-            runTask(client().leagueLogin(players[0], "na1", QStringLiteral("Pøllux"), {})).token;
+        const QString token = runTask(client().leagueLogin(players[0], "na1", QStringLiteral("Pøllux"), {})).token;
         QJsonArray batch;
         for (int i = 0; i < 100; ++i)
             batch.append(ClientGames::game(6000 + i, players));

@@ -19,7 +19,9 @@ TestServer::TestServer(const std::string& databaseAddress, Options options)
     m_thread = std::thread([this] { m_http->run(false); });
 }
 
-TestServer::~TestServer() { stop(); }
+TestServer::~TestServer() {
+    stop();
+}
 
 void TestServer::stop() {
     if (m_thread.joinable()) {
@@ -28,4 +30,6 @@ void TestServer::stop() {
     }
 }
 
-std::string TestServer::baseUrl() const { return "http://127.0.0.1:" + std::to_string(m_http->port()); }
+std::string TestServer::baseUrl() const {
+    return "http://127.0.0.1:" + std::to_string(m_http->port());
+}
