@@ -52,6 +52,9 @@ SqliteConnection::SqliteConnection(const std::string& path) {
         execute("PRAGMA journal_mode = WAL");
         execute("PRAGMA synchronous = NORMAL");
         execute("PRAGMA foreign_keys = ON");
+        // Reads map the file instead of copying pages through a small private cache per
+        // connection: every connection shares the one page cache of the system.
+        execute("PRAGMA mmap_size = 1073741824");
     } catch (...) {
         sqlite3_close(m_db);
         m_db = nullptr;
@@ -110,6 +113,8 @@ sqlite3_stmt* SqliteConnection::prepared(std::string_view sql) {
 SqlResult SqliteConnection::query(std::string_view sql, std::span<const SqlValue> params) {
     sqlite3_stmt* statement = prepared(sql);
     StatementReset reset{statement};
+    if (m_readOnly && !sqlite3_stmt_readonly(statement))
+        throw StoreError("SQLite: a write inside a read transaction (" + excerpt(sql) + ")");
 
     if (static_cast<int>(params.size()) != sqlite3_bind_parameter_count(statement))
         throw StoreError("SQLite: " + std::to_string(params.size()) + " values for " +
@@ -167,29 +172,32 @@ SqlResult SqliteConnection::query(std::string_view sql, std::span<const SqlValue
     return SqlResult(columns, std::move(cells));
 }
 
-// query_only makes a write inside a read transaction fail, as PostgreSQL's READ ONLY does, so a
-// mistake shows on both engines alike.
+// A write inside a read transaction fails, as PostgreSQL's READ ONLY does, so a mistake shows on
+// both engines alike. It is checked per statement rather than with PRAGMA query_only: setting
+// that pragma expires every prepared statement of the connection, so each transaction would
+// compile all its SQL again.
 void SqliteConnection::beginRead() {
     rollback(); // a transaction some failure left open would swallow this one
-    query("PRAGMA query_only = 1", {});
     query("BEGIN", {});
+    m_readOnly = true;
 }
 
 // IMMEDIATE takes the write lock at once, so two writers never both read and then collide on
 // the upgrade (which SQLite answers with SQLITE_BUSY without waiting).
 void SqliteConnection::beginWrite() {
     rollback();
-    query("PRAGMA query_only = 0", {});
     query("BEGIN IMMEDIATE", {});
 }
 
 void SqliteConnection::commit() {
     query("COMMIT", {});
+    m_readOnly = false;
 }
 
 void SqliteConnection::rollback() {
     if (!sqlite3_get_autocommit(m_db))
         query("ROLLBACK", {});
+    m_readOnly = false;
 }
 
 int64_t SqliteConnection::nextChangeSeq() {

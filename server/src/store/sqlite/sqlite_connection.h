@@ -41,6 +41,7 @@ private:
 
     sqlite3* m_db = nullptr;
     StatementCache<sqlite3_stmt*> m_statements;
+    bool m_readOnly = false; // inside a read transaction: statements that write are refused
 };
 
 } // namespace qf
