@@ -12,7 +12,9 @@
 //   cmake -S . -B build-server-bench -G Ninja -DCMAKE_BUILD_TYPE=Release -DQF_BUILD_TESTS=OFF -DQF_BUILD_BENCH=ON
 //   ninja -C build-server-bench quillfern-server bench_sync_serving
 //   build-server-bench/bin/bench_sync_serving [--engines sqlite,postgres] [--users 100] [--games 20000]
-//       [--threads 8] [--rounds 2] [--nginx-workers 2]
+//       [--threads 8] [--rounds 2] [--nginx-workers 2] [--http yes|no]
+// It first times the server's own work per page in-process on one thread (reading the page,
+// writing its JSON); --http no stops there, after all the users' mirrors (a run to profile).
 // Needs nginx and PostgreSQL 15 (server/tests/pg_cluster starts a throw-away cluster).
 // QFS_SERVER_BINARY names another server binary; QFS_BENCH_KEEP=1 keeps the scratch folder.
 
@@ -26,6 +28,7 @@
 #include "sync_load_client.h"
 #include "temp_folder.h"
 
+#include "api/api_answers.h"
 #include "api/server_api.h"
 
 #include <chrono>
@@ -52,6 +55,7 @@ struct Settings {
     int threads = 8;
     int rounds = 2;
     int nginxWorkers = 2;
+    bool http = true; // false: only the in-process figures
 };
 
 struct EngineOutcome {
@@ -90,6 +94,37 @@ std::string checkComplete(const LoadResult& result, const BenchArchive& archive,
     return {};
 }
 
+// The server's own cost of a page without HTTP, on one thread: reading it from the database
+// (SyncService::page) and writing its JSON (the answer the route sends). Taken over the first
+// users' whole mirrors.
+void measureInProcess(const std::string& name, const std::string& address, const BenchArchive& archive, int users) {
+    auto database = Database::open({address, 1});
+    SyncService sync(*database);
+    int64_t pages = 0;
+    int64_t bytes = 0;
+    double query = 0;
+    double json = 0;
+    for (int u = 0; u < users && u < int(archive.users.size()); ++u) {
+        std::optional<std::string> cursor;
+        for (bool more = true; more && pages < 100'000;) {
+            const Clock::time_point start = Clock::now();
+            const SyncPage page = sync.page(archive.users[size_t(u)].userId, cursor ? &*cursor : nullptr);
+            const Clock::time_point read = Clock::now();
+            const std::string body = answers::syncPage(page);
+            json += secondsSince(read);
+            query += std::chrono::duration<double>(read - start).count();
+            bytes += int64_t(body.size());
+            ++pages;
+            more = page.hasMore;
+            cursor = page.nextCursor;
+        }
+    }
+    std::printf("%s in-process, one thread, %lld pages (%.2f MB each): %.2f ms reading a page, %.2f ms writing its "
+                "JSON\n",
+                name.c_str(), static_cast<long long>(pages), pages ? double(bytes) / 1e6 / double(pages) : 0.0,
+                pages ? 1000.0 * query / double(pages) : 0.0, pages ? 1000.0 * json / double(pages) : 0.0);
+}
+
 EngineOutcome runEngine(const std::string& engine, const Settings& settings, const TempFolder& scratch) {
     EngineOutcome outcome;
     const std::string name = engine == "postgres" ? "PostgreSQL" : "SQLite";
@@ -116,6 +151,11 @@ EngineOutcome runEngine(const std::string& engine, const Settings& settings, con
                     static_cast<long long>(archive.games), static_cast<long long>(archive.participants),
                     static_cast<long long>(archive.scores), archive.users.size(), secondsSince(start));
     }
+
+    // Ten users' mirrors are enough for the figure; without HTTP, all of them (a profiler's run).
+    measureInProcess(name, address, archive, settings.http ? 10 : settings.users);
+    if (!settings.http)
+        return outcome;
 
     ServerLaunch launch;
     launch.binary = defaultServerBinary();
@@ -201,15 +241,19 @@ int main(int argc, char** argv) {
     Settings settings;
     std::vector<std::string> engines;
     try {
-        const BenchArgs args(argc, argv, {"engines", "users", "games", "threads", "rounds", "nginx-workers"},
+        const BenchArgs args(argc, argv, {"engines", "users", "games", "threads", "rounds", "nginx-workers", "http"},
                              "usage: bench_sync_serving [--engines sqlite,postgres] [--users 100] [--games 20000] "
-                             "[--threads 8] [--rounds 2] [--nginx-workers 2]");
+                             "[--threads 8] [--rounds 2] [--nginx-workers 2] [--http yes|no]");
         engines = args.list("engines", "sqlite,postgres");
         settings.users = args.integer("users", settings.users);
         settings.games = args.integer("games", settings.games);
         settings.threads = args.integer("threads", settings.threads);
         settings.rounds = args.integer("rounds", settings.rounds);
         settings.nginxWorkers = args.integer("nginx-workers", settings.nginxWorkers);
+        const std::string http = args.text("http", "yes");
+        if (http != "yes" && http != "no")
+            throw std::invalid_argument("--http is yes or no");
+        settings.http = http == "yes";
         for (const std::string& e : engines)
             if (e != "sqlite" && e != "postgres")
                 throw std::invalid_argument("unknown engine " + e + " (sqlite, postgres)");
