@@ -86,13 +86,13 @@ DemoSummary installDemo(Database& database, IngestService& ingest, int64_t now) 
             IngestService::scoreAccount(r, main);
             IngestService::scoreAccount(r, alt);
 
-            for (const auto& [owner, account] :
-                 {std::pair{demo::Owner::Main, &main}, std::pair{demo::Owner::Alt, &alt}})
-                for (RankSnapshot& snapshot : demo::rankSnapshots(games, owner, now)) {
-                    snapshot.riotAccountId = account->id;
-                    r.insertRankSnapshot(snapshot);
-                    ++summary.snapshots;
-                }
+            // Only the main account climbs: the Rank screen draws every linked account's
+            // snapshots of a queue as one line, and a second ladder would zigzag across it.
+            for (RankSnapshot& snapshot : demo::rankSnapshots(games, demo::Owner::Main, now)) {
+                snapshot.riotAccountId = main.id;
+                r.insertRankSnapshot(snapshot);
+                ++summary.snapshots;
+            }
 
             for (const demo::Game& game : games) {
                 const std::optional<GameWithRows> stored = r.gameByMatchId(demo::riotMatchId(game));
