@@ -527,28 +527,46 @@ std::vector<Match> Repository::changedMatchesOfUser(int64_t userId, int64_t afte
     return matches;
 }
 
-// Scores and snapshots belong to an account: (riot_account_id, change_seq) finds those after the
-// cursor directly.
+// Scores and snapshots belong to an account: (riot_account_id, change_seq) walks one account's
+// rows after the cursor in order, so each account is asked on its own, at most limit rows each,
+// and the lists are merged. One query over "riot_account_id IN (…)" would fetch every row after
+// the cursor and sort them all before the limit: most of the archive on a first pull.
+namespace {
+
+template <class Row, class Read>
+std::vector<Row> changedRowsOfAccounts(SqlConnection& db, int64_t userId, const char* sql, int64_t afterSeq, int limit,
+                                       Read read) {
+    const SqlResult accounts = db.query("SELECT id FROM riot_accounts WHERE user_id = ? ORDER BY id", {userId});
+    std::vector<Row> rows;
+    for (size_t a = 0; a < accounts.rows(); ++a) {
+        const SqlResult r = db.query(sql, {accounts.integer(a, 0), afterSeq, int64_t{limit}});
+        for (size_t i = 0; i < r.rows(); ++i)
+            rows.push_back(read(r, i));
+    }
+    if (accounts.rows() > 1) {
+        std::sort(rows.begin(), rows.end(), [](const Row& x, const Row& y) { return x.changeSeq < y.changeSeq; });
+        if (rows.size() > size_t(std::max(limit, 0)))
+            rows.resize(size_t(std::max(limit, 0)));
+    }
+    return rows;
+}
+
+} // namespace
+
 std::vector<RankSnapshot> Repository::changedSnapshotsOfUser(int64_t userId, int64_t afterSeq, int limit) {
-    SqlResult r = m_db.query("SELECT " QF_SNAPSHOT_COLUMNS " FROM rank_snapshots r "
-                             "WHERE r.riot_account_id IN (SELECT id FROM riot_accounts WHERE user_id = ?) "
-                             "AND r.change_seq > ? ORDER BY r.change_seq LIMIT ?",
-                             {userId, afterSeq, int64_t{limit}});
-    std::vector<RankSnapshot> snapshots;
-    for (size_t i = 0; i < r.rows(); ++i)
-        snapshots.push_back(readSnapshot(r, i));
-    return snapshots;
+    return changedRowsOfAccounts<RankSnapshot>(m_db, userId,
+                                               "SELECT " QF_SNAPSHOT_COLUMNS " FROM rank_snapshots r "
+                                               "WHERE r.riot_account_id = ? AND r.change_seq > ? "
+                                               "ORDER BY r.change_seq LIMIT ?",
+                                               afterSeq, limit, readSnapshot);
 }
 
 std::vector<PerformanceScore> Repository::changedScoresOfUser(int64_t userId, int64_t afterSeq, int limit) {
-    SqlResult r = m_db.query("SELECT " QF_SCORE_COLUMNS " FROM performance_scores s "
-                             "WHERE s.riot_account_id IN (SELECT id FROM riot_accounts WHERE user_id = ?) "
-                             "AND s.change_seq > ? ORDER BY s.change_seq LIMIT ?",
-                             {userId, afterSeq, int64_t{limit}});
-    std::vector<PerformanceScore> scores;
-    for (size_t i = 0; i < r.rows(); ++i)
-        scores.push_back(readScore(r, i));
-    return scores;
+    return changedRowsOfAccounts<PerformanceScore>(m_db, userId,
+                                                   "SELECT " QF_SCORE_COLUMNS " FROM performance_scores s "
+                                                   "WHERE s.riot_account_id = ? AND s.change_seq > ? "
+                                                   "ORDER BY s.change_seq LIMIT ?",
+                                                   afterSeq, limit, readScore);
 }
 
 // --- Social -------------------------------------------------------------------------------------

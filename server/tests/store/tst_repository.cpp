@@ -628,9 +628,12 @@ void TestRepository::syncPagesReturnEachRowOfTheUserOnce() {
                 if (i % 8 == 0)
                     snapshotsOfU.push_back(s.id);
             }
-            if (std::count(players.begin(), players.end(), "y")) {
+            // Scores of both of u's accounts, so pages merge two accounts' rows in change order.
+            for (const RiotAccount* account : {&x, &y}) {
+                if (!std::count(players.begin(), players.end(), account->puuid))
+                    continue;
                 PerformanceScore s;
-                s.riotAccountId = y.id;
+                s.riotAccountId = account->id;
                 s.matchId = m.id;
                 s.components = {{"kda", static_cast<double>(i)}};
                 r.insertScore(s);
