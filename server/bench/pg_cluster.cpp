@@ -35,14 +35,17 @@ PgCluster::~PgCluster() {
     ChildProcess::run(script(), {"stop", m_dir.string()}, log, std::chrono::minutes(1));
 }
 
-std::string PgCluster::createDatabase(const std::string& name) const {
-    std::unique_ptr<PGconn, decltype(&PQfinish)> connection(PQconnectdb(m_uri.c_str()), PQfinish);
+void PgCluster::execute(const std::string& uri, const std::string& sql) {
+    std::unique_ptr<PGconn, decltype(&PQfinish)> connection(PQconnectdb(uri.c_str()), PQfinish);
     if (PQstatus(connection.get()) != CONNECTION_OK)
         throw std::runtime_error(std::string("cannot connect to PostgreSQL: ") + PQerrorMessage(connection.get()));
-    const std::string sql = "CREATE DATABASE \"" + name + "\"";
     std::unique_ptr<PGresult, decltype(&PQclear)> result(PQexec(connection.get(), sql.c_str()), PQclear);
     if (PQresultStatus(result.get()) != PGRES_COMMAND_OK)
-        throw std::runtime_error("cannot create the database " + name + ": " + PQerrorMessage(connection.get()));
+        throw std::runtime_error(sql + " failed: " + PQerrorMessage(connection.get()));
+}
+
+std::string PgCluster::createDatabase(const std::string& name) const {
+    execute(m_uri, "CREATE DATABASE \"" + name + "\"");
     return m_uri.substr(0, m_uri.rfind('/') + 1) + name;
 }
 

@@ -20,6 +20,8 @@ public:
     [[nodiscard]] const std::string& uri() const { return m_uri; }
     // Creates an empty database and returns its URI.
     [[nodiscard]] std::string createDatabase(const std::string& name) const;
+    // Runs one statement without results on the database at uri (ANALYZE after a bulk load).
+    static void execute(const std::string& uri, const std::string& sql);
 
 private:
     std::filesystem::path m_dir;
