@@ -142,7 +142,12 @@ BENCHMARK(statsGames)->Name("Stats.games")->Apply(configure);
 BENCHMARK(statsChampions)->Name("Stats.champions")->Apply(configure);
 BENCHMARK(statsChampionsAllRows)->Name("Stats.champions (all 200k rows)")->Apply(configure);
 BENCHMARK(statsTimeline)->Name("Stats.timeline")->Apply(configure);
-BENCHMARK(openArchive)->Name("open the archive")->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(3)->ComputeStatistics("min", best);
+BENCHMARK(openArchive)
+    ->Name("open the archive")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1)
+    ->Repetitions(3)
+    ->ComputeStatistics("min", best);
 
 int main(int argc, char** argv) {
     // Our own options first; Google Benchmark rejects what it does not know.

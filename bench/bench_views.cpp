@@ -3,7 +3,6 @@
 //   bench_views [GAMES]
 // Targets on a 2-core machine: each statistic under 8 ms, each screen under 16 ms (one frame).
 
-#include "session/app_state.h"
 #include "archive/archive_store.h"
 #include "game_data/stats.h"
 #include "screens/archive_inputs.h"
@@ -12,6 +11,7 @@
 #include "screens/match_detail_model.h"
 #include "screens/overview_model.h"
 #include "screens/rank_model.h"
+#include "session/app_state.h"
 #include "support/fake_backend.h"
 #include "support/task_result.h"
 #include "synthetic_archive.h"
@@ -96,45 +96,53 @@ int main(int argc, char* argv[]) {
         return 0;
     }
     bool ok = true;
-    ok &= report("Stats.games", medianMs([&] { (void)Stats::games(matches, participants, owners, archive.friendGameNames()); }), 8);
+    ok &= report("Stats.games",
+                 medianMs([&] { (void)Stats::games(matches, participants, owners, archive.friendGameNames()); }), 8);
     ok &= report("Stats.champions", medianMs([&] { (void)Stats::champions(mine); }), 8);
     ok &= report("Stats.timeline", medianMs([&] { (void)Stats::timeline(matches, participants, owners); }), 8);
 
     ok &= report("history screen", medianMs([&] {
-        HistoryModel model;
-        model.setAppState(&state);
-    }), 16);
+                     HistoryModel model;
+                     model.setAppState(&state);
+                 }),
+                 16);
     HistoryModel history;
     history.setAppState(&state);
     int filter = 0;
     ok &= report("history re-filter", medianMs([&] {
-        history.setFilter(HistoryModel::filterOf(GameCategories::all[static_cast<std::size_t>(filter)]));
-        filter = (filter + 1) % 6;
-    }), 16);
+                     history.setFilter(HistoryModel::filterOf(GameCategories::all[static_cast<std::size_t>(filter)]));
+                     filter = (filter + 1) % 6;
+                 }),
+                 16);
     const qint64 newest = history.rows()->games().front().id();
     ok &= report("match detail", medianMs([&] {
-        MatchDetailModel model;
-        model.setAppState(&state);
-        model.setMatchServerId(newest);
-    }), 16);
+                     MatchDetailModel model;
+                     model.setAppState(&state);
+                     model.setMatchServerId(newest);
+                 }),
+                 16);
     ok &= report("overview screen", medianMs([&] {
-        OverviewModel model;
-        model.setAppState(&state);
-    }), 16);
+                     OverviewModel model;
+                     model.setAppState(&state);
+                 }),
+                 16);
     ok &= report("champion pool screen", medianMs([&] {
-        ChampionsModel model;
-        model.setAppState(&state);
-    }), 16);
+                     ChampionsModel model;
+                     model.setAppState(&state);
+                 }),
+                 16);
     ChampionsModel pool;
     pool.setAppState(&state);
     int sort = 0;
     ok &= report("champion pool re-sort", medianMs([&] {
-        sort = (sort + 1) % 3;
-        pool.setSort(static_cast<ChampionsModel::Sort>(sort));
-    }), 16);
+                     sort = (sort + 1) % 3;
+                     pool.setSort(static_cast<ChampionsModel::Sort>(sort));
+                 }),
+                 16);
     ok &= report("rank screen", medianMs([&] {
-        RankModel model;
-        model.setAppState(&state);
-    }), 16);
+                     RankModel model;
+                     model.setAppState(&state);
+                 }),
+                 16);
     return ok ? 0 : 1;
 }

@@ -3,10 +3,10 @@
 // Run it under QT_QPA_PLATFORM=offscreen (scripts/tour does). The archive comes from the
 // synthetic generator; a loopback fake backend answers the few calls a start-up makes.
 
-#include "session/app_state.h"
 #include "archive/archive_store.h"
 #include "screens/history_model.h"
 #include "screens/rank_model.h"
+#include "session/app_state.h"
 #include "support/fake_backend.h"
 #include "synthetic_archive.h"
 #include "theme/fonts.h"
@@ -15,8 +15,8 @@
 #include <QAbstractItemModel>
 #include <QDir>
 #include <QElapsedTimer>
-#include <QHash>
 #include <QGuiApplication>
+#include <QHash>
 #include <QJsonArray>
 #include <QNetworkAccessManager>
 #include <QQmlApplicationEngine>
@@ -69,10 +69,14 @@ QJsonArray duosJson(const SyntheticArchive& archive) {
 
 QJsonObject accountJson(const RiotAccountDto& a) {
     QJsonObject json{{"id", a.id}, {"puuid", a.puuid}, {"platform", a.platform}, {"region", a.region}};
-    if (a.gameName) json.insert("game_name", *a.gameName);
-    if (a.tagLine) json.insert("tag_line", *a.tagLine);
-    if (a.profileIconId) json.insert("profile_icon_id", *a.profileIconId);
-    if (a.summonerLevel) json.insert("summoner_level", *a.summonerLevel);
+    if (a.gameName)
+        json.insert("game_name", *a.gameName);
+    if (a.tagLine)
+        json.insert("tag_line", *a.tagLine);
+    if (a.profileIconId)
+        json.insert("profile_icon_id", *a.profileIconId);
+    if (a.summonerLevel)
+        json.insert("summoner_level", *a.summonerLevel);
     return json;
 }
 
@@ -123,9 +127,12 @@ struct Scene {
                 accounts.append(accountJson(account));
         backend.on("POST", "/api/riot-accounts/refresh", FakeResponse::json({{"riot_accounts", accounts}}));
         backend.on("GET", "/api/riot-accounts", FakeResponse::json({{"riot_accounts", accounts}}));
-        backend.on("GET", "/api/sync", FakeResponse::json({{"matches", QJsonArray{}}, {"participants", QJsonArray{}},
-                                                           {"rank_snapshots", QJsonArray{}},
-                                                           {"performance_scores", QJsonArray{}}, {"has_more", false}}));
+        backend.on("GET", "/api/sync",
+                   FakeResponse::json({{"matches", QJsonArray{}},
+                                       {"participants", QJsonArray{}},
+                                       {"rank_snapshots", QJsonArray{}},
+                                       {"performance_scores", QJsonArray{}},
+                                       {"has_more", false}}));
         backend.on("GET", "/api/stats/duos",
                    FakeResponse::json({{"duos", archive ? duosJson(*archive) : QJsonArray{}}}));
         backend.on("GET", "/api/static/version", FakeResponse::json({{"version", "16.11.1"}}));

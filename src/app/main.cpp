@@ -1,6 +1,6 @@
-#include "session/app_state.h"
 #include "archive/archive_store.h"
 #include "archive/store_error.h"
+#include "session/app_state.h"
 #include "theme/fonts.h"
 #include "theme/game_images.h"
 #include "theme/image_cache.h"

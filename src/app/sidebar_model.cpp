@@ -1,9 +1,9 @@
 #include "app/sidebar_model.h"
 
-#include "session/app_state.h"
 #include "archive/archive_store.h"
 #include "game_data/rank_math.h"
 #include "game_data/stats.h"
+#include "session/app_state.h"
 
 #include <algorithm>
 
@@ -39,11 +39,12 @@ QSet<QString> SidebarModel::ownersOf(const QList<RiotAccountDto>& accounts) {
 const LocalRankSnapshot* SidebarModel::soloOf(const std::vector<const LocalRankSnapshot*>& snapshots) {
     // Newest first; a snapshot without a capture time sorts last.
     std::vector<const LocalRankSnapshot*> newestFirst = snapshots;
-    std::stable_sort(newestFirst.begin(), newestFirst.end(), [](const LocalRankSnapshot* a, const LocalRankSnapshot* b) {
-        const qint64 ta = a->capturedAt ? a->capturedAt->toMSecsSinceEpoch() : std::numeric_limits<qint64>::min();
-        const qint64 tb = b->capturedAt ? b->capturedAt->toMSecsSinceEpoch() : std::numeric_limits<qint64>::min();
-        return ta > tb;
-    });
+    std::stable_sort(
+        newestFirst.begin(), newestFirst.end(), [](const LocalRankSnapshot* a, const LocalRankSnapshot* b) {
+            const qint64 ta = a->capturedAt ? a->capturedAt->toMSecsSinceEpoch() : std::numeric_limits<qint64>::min();
+            const qint64 tb = b->capturedAt ? b->capturedAt->toMSecsSinceEpoch() : std::numeric_limits<qint64>::min();
+            return ta > tb;
+        });
     for (const LocalRankSnapshot* snapshot : newestFirst)
         if (snapshot->queue == QLatin1String("RANKED_SOLO_5x5"))
             return snapshot;

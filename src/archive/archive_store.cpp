@@ -126,8 +126,8 @@ QString ArchiveStore::defaultPath() {
 void ArchiveStore::migrate() {
     const qint64 version = m_db.queryInteger(QStringLiteral("PRAGMA user_version"));
     if (version > schemaVersion)
-        throw StoreError(QStringLiteral("The archive was written by a newer version of Quill Fern (schema %1).")
-                             .arg(version));
+        throw StoreError(
+            QStringLiteral("The archive was written by a newer version of Quill Fern (schema %1).").arg(version));
     for (qint64 next = version + 1; next <= schemaVersion; ++next) {
         m_db.execute(QStringLiteral("BEGIN IMMEDIATE"));
         try {
@@ -145,9 +145,9 @@ void ArchiveStore::migrate() {
 }
 
 template <class Record> void ArchiveStore::load(RecordTable<Record>& table) {
-    SqliteStatement select(m_db, QStringLiteral("SELECT %1 FROM %2 ORDER BY local_id")
-                                     .arg(columnNames<Record>().join(QStringLiteral(", ")),
-                                          QLatin1String(RecordColumns<Record>::table)));
+    SqliteStatement select(
+        m_db, QStringLiteral("SELECT %1 FROM %2 ORDER BY local_id")
+                  .arg(columnNames<Record>().join(QStringLiteral(", ")), QLatin1String(RecordColumns<Record>::table)));
     while (select.step()) {
         auto record = std::make_unique<Record>();
         select.read(0, record->localId);

@@ -63,7 +63,15 @@ private:
     RecordTable<LocalPerformanceScore> m_scores;
 };
 
-template <> inline RecordTable<LocalMatch>& ArchiveStore::table<LocalMatch>() { return m_matches; }
-template <> inline RecordTable<LocalParticipant>& ArchiveStore::table<LocalParticipant>() { return m_participants; }
-template <> inline RecordTable<LocalRankSnapshot>& ArchiveStore::table<LocalRankSnapshot>() { return m_rankSnapshots; }
-template <> inline RecordTable<LocalPerformanceScore>& ArchiveStore::table<LocalPerformanceScore>() { return m_scores; }
+template <> inline RecordTable<LocalMatch>& ArchiveStore::table<LocalMatch>() {
+    return m_matches;
+}
+template <> inline RecordTable<LocalParticipant>& ArchiveStore::table<LocalParticipant>() {
+    return m_participants;
+}
+template <> inline RecordTable<LocalRankSnapshot>& ArchiveStore::table<LocalRankSnapshot>() {
+    return m_rankSnapshots;
+}
+template <> inline RecordTable<LocalPerformanceScore>& ArchiveStore::table<LocalPerformanceScore>() {
+    return m_scores;
+}

@@ -6,7 +6,8 @@
 quint64 PrefixKey::of(QStringView text) {
     char16_t first[4] = {};
     if (!text.isEmpty()) // an empty text may have no data at all
-        std::memcpy(first, text.utf16(), static_cast<std::size_t>(std::min<qsizetype>(text.size(), 4)) * sizeof(char16_t));
+        std::memcpy(first, text.utf16(),
+                    static_cast<std::size_t>(std::min<qsizetype>(text.size(), 4)) * sizeof(char16_t));
     quint64 key = 0;
     std::memcpy(&key, first, sizeof key);
     // The length goes into the top bits: texts that only differ in what follows the prefix and in

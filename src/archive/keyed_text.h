@@ -35,7 +35,9 @@ public:
     [[nodiscard]] const QChar* constData() const { return m_text.constData(); }
     [[nodiscard]] QString left(qsizetype n) const { return m_text.left(n); }
 
-    friend bool operator==(const KeyedText& a, const KeyedText& b) { return a.m_key == b.m_key && a.m_text == b.m_text; }
+    friend bool operator==(const KeyedText& a, const KeyedText& b) {
+        return a.m_key == b.m_key && a.m_text == b.m_text;
+    }
     friend bool operator==(const KeyedText& a, const QString& b) { return a.m_text == b; }
 
 private:

@@ -86,13 +86,12 @@ public:
             for (auto it = first; it != last; ++it)
                 result.push_back(it->second);
         }
-        std::sort(result.begin(), result.end(), [](const Record* a, const Record* b) { return a->localId < b->localId; });
+        std::sort(result.begin(), result.end(),
+                  [](const Record* a, const Record* b) { return a->localId < b->localId; });
         return result;
     }
 
-    [[nodiscard]] std::vector<Record*> withMatchServerId(qint64 matchServerId) const
-        requires HasMatchServerId<Record>
-    {
+    [[nodiscard]] std::vector<Record*> withMatchServerId(qint64 matchServerId) const requires HasMatchServerId<Record> {
         auto found = m_byMatch.find(matchServerId);
         return found == m_byMatch.end() ? std::vector<Record*>{} : found->second;
     }
@@ -130,7 +129,8 @@ public:
     // The live records to write, oldest first, each once.
     [[nodiscard]] std::vector<const Record*> toWrite() const {
         std::vector<const Record*> result(m_toWrite.begin(), m_toWrite.end());
-        std::sort(result.begin(), result.end(), [](const Record* a, const Record* b) { return a->localId < b->localId; });
+        std::sort(result.begin(), result.end(),
+                  [](const Record* a, const Record* b) { return a->localId < b->localId; });
         result.erase(std::unique(result.begin(), result.end()), result.end());
         if (m_deadRows > 0)
             std::erase_if(result, [this](const Record* record) { return !isAlive(record); });

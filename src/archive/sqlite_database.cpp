@@ -12,7 +12,8 @@ SqliteDatabase::SqliteDatabase(const QString& path) {
     const int code = sqlite3_open_v2(path.toUtf8().constData(), &m_db,
                                      SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
     if (code != SQLITE_OK) {
-        const QString message = m_db ? QString::fromUtf8(sqlite3_errmsg(m_db)) : QString::fromUtf8(sqlite3_errstr(code));
+        const QString message =
+            m_db ? QString::fromUtf8(sqlite3_errmsg(m_db)) : QString::fromUtf8(sqlite3_errstr(code));
         sqlite3_close(m_db);
         m_db = nullptr;
         throw StoreError(message, code);
@@ -46,8 +47,8 @@ qint64 SqliteDatabase::queryInteger(const QString& sql) {
 
 SqliteStatement::SqliteStatement(SqliteDatabase& database, const QString& sql) : m_database(database) {
     const QByteArray text = sql.toUtf8();
-    const int code = sqlite3_prepare_v2(database.handle(), text.constData(), static_cast<int>(text.size()),
-                                        &m_statement, nullptr);
+    const int code =
+        sqlite3_prepare_v2(database.handle(), text.constData(), static_cast<int>(text.size()), &m_statement, nullptr);
     if (code != SQLITE_OK)
         database.fail(code);
     m_texts.resize(static_cast<std::size_t>(sqlite3_bind_parameter_count(m_statement)) + 1);

@@ -19,7 +19,9 @@ QString joinRiotId(const std::optional<QString>& gameName, const std::optional<Q
     return parts.join(QLatin1Char('#'));
 }
 
-QString RiotAccountDto::riotId() const { return joinRiotId(gameName, tagLine); }
+QString RiotAccountDto::riotId() const {
+    return joinRiotId(gameName, tagLine);
+}
 
 RiotAccountDto RiotAccountDto::decode(const JsonReader& in) {
     RiotAccountDto a;

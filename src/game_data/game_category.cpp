@@ -6,11 +6,20 @@ namespace GameCategories {
 
 GameCategory of(qint64 queueId, const std::optional<QString>& gameMode) {
     switch (queueId) {
-    case 420: case 440: return GameCategory::Ranked;
-    case 700: case 720: return GameCategory::Normal;
-    case 900: case 2400: return GameCategory::Mayhem;
-    case 1700: case 1710: return GameCategory::Arena;
-    default: break;
+    case 420:
+    case 440:
+        return GameCategory::Ranked;
+    case 700:
+    case 720:
+        return GameCategory::Normal;
+    case 900:
+    case 2400:
+        return GameCategory::Mayhem;
+    case 1700:
+    case 1710:
+        return GameCategory::Arena;
+    default:
+        break;
     }
     if (!gameMode)
         return GameCategory::Other;
@@ -34,21 +43,31 @@ GameCategory of(qint64 queueId, const std::optional<QString>& gameMode) {
         }
         return true;
     };
-    if (is(QLatin1String("ARAM"))) return GameCategory::Aram;
-    if (is(QLatin1String("URF")) || is(QLatin1String("KIWI"))) return GameCategory::Mayhem;
-    if (is(QLatin1String("CHERRY"))) return GameCategory::Arena;
-    if (is(QLatin1String("CLASSIC"))) return GameCategory::Normal;
+    if (is(QLatin1String("ARAM")))
+        return GameCategory::Aram;
+    if (is(QLatin1String("URF")) || is(QLatin1String("KIWI")))
+        return GameCategory::Mayhem;
+    if (is(QLatin1String("CHERRY")))
+        return GameCategory::Arena;
+    if (is(QLatin1String("CLASSIC")))
+        return GameCategory::Normal;
     return GameCategory::Other;
 }
 
 QString rawValue(GameCategory category) {
     switch (category) {
-    case GameCategory::Ranked: return QStringLiteral("Ranked");
-    case GameCategory::Mayhem: return QStringLiteral("Mayhem");
-    case GameCategory::Aram: return QStringLiteral("ARAM");
-    case GameCategory::Arena: return QStringLiteral("Arena");
-    case GameCategory::Normal: return QStringLiteral("Normal");
-    case GameCategory::Other: return QStringLiteral("Other");
+    case GameCategory::Ranked:
+        return QStringLiteral("Ranked");
+    case GameCategory::Mayhem:
+        return QStringLiteral("Mayhem");
+    case GameCategory::Aram:
+        return QStringLiteral("ARAM");
+    case GameCategory::Arena:
+        return QStringLiteral("Arena");
+    case GameCategory::Normal:
+        return QStringLiteral("Normal");
+    case GameCategory::Other:
+        return QStringLiteral("Other");
     }
     return {};
 }

@@ -10,7 +10,8 @@ QString capitalised(const QString& text) {
 
 namespace RankMath {
 
-std::optional<qint64> absoluteLp(const std::optional<QString>& tier, const std::optional<QString>& division, qint64 lp) {
+std::optional<qint64> absoluteLp(const std::optional<QString>& tier, const std::optional<QString>& division,
+                                 qint64 lp) {
     if (!tier)
         return std::nullopt;
     const qsizetype tierIndex = tiers.indexOf(tier->toUpper());

@@ -19,13 +19,19 @@ public:
     RowList(std::shared_ptr<const Rows> rows, std::size_t first, std::size_t count)
         : m_rows(std::move(rows)), m_first(first), m_count(count) {}
 
-    [[nodiscard]] const_iterator begin() const { return m_rows ? m_rows->begin() + static_cast<std::ptrdiff_t>(m_first) : Rows::const_iterator(); }
-    [[nodiscard]] const_iterator end() const { return m_rows ? begin() + static_cast<std::ptrdiff_t>(m_count) : Rows::const_iterator(); }
+    [[nodiscard]] const_iterator begin() const {
+        return m_rows ? m_rows->begin() + static_cast<std::ptrdiff_t>(m_first) : Rows::const_iterator();
+    }
+    [[nodiscard]] const_iterator end() const {
+        return m_rows ? begin() + static_cast<std::ptrdiff_t>(m_count) : Rows::const_iterator();
+    }
     [[nodiscard]] std::size_t size() const { return m_count; }
     [[nodiscard]] bool empty() const { return m_count == 0; }
     [[nodiscard]] const LocalParticipant* operator[](std::size_t i) const { return (*m_rows)[m_first + i]; }
 
-    friend bool operator==(const RowList& a, const RowList& b) { return std::equal(a.begin(), a.end(), b.begin(), b.end()); }
+    friend bool operator==(const RowList& a, const RowList& b) {
+        return std::equal(a.begin(), a.end(), b.begin(), b.end());
+    }
 
 private:
     std::shared_ptr<const Rows> m_rows;

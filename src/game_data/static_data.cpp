@@ -2,10 +2,10 @@
 
 #include "backend/backend_client.h"
 
+#include <QCoro/QCoroNetworkReply>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
-#include <QCoro/QCoroNetworkReply>
 #include <memory>
 
 StaticData::StaticData(BackendClient& client, QNetworkAccessManager& network, DataDragon dataDragon, QObject* parent)
@@ -34,7 +34,7 @@ QCoro::Task<> StaticData::loadChampionList() {
     QNetworkRequest request(url);
     request.setTransferTimeout(60000);
     std::unique_ptr<QNetworkReply, void (*)(QNetworkReply*)> reply(m_network.get(request),
-                                                                 [](QNetworkReply* r) { r->deleteLater(); });
+                                                                   [](QNetworkReply* r) { r->deleteLater(); });
     co_await reply.get();
     if (reply->error() != QNetworkReply::NoError)
         co_return;

@@ -2,10 +2,10 @@
 
 #include "game_data/data_dragon.h"
 
+#include <QCoro/QCoroTask>
 #include <QHash>
 #include <QObject>
 #include <QString>
-#include <QCoro/QCoroTask>
 
 class BackendClient;
 class QNetworkAccessManager;
@@ -19,8 +19,7 @@ class StaticData : public QObject {
 public:
     static constexpr const char* defaultVersion = "16.11.1";
 
-    StaticData(BackendClient& client, QNetworkAccessManager& network, DataDragon dataDragon,
-               QObject* parent = nullptr);
+    StaticData(BackendClient& client, QNetworkAccessManager& network, DataDragon dataDragon, QObject* parent = nullptr);
 
     [[nodiscard]] const QString& version() const { return m_version; }
     [[nodiscard]] const QHash<qint64, QString>& championsById() const { return m_championsById; }

@@ -311,7 +311,7 @@ std::vector<Game> games(const std::vector<const LocalMatch*>& matches,
 }
 
 std::vector<const LocalParticipant*> ownRows(const std::vector<const LocalParticipant*>& participants,
-                                            const QSet<QString>& owners) {
+                                             const QSet<QString>& owners) {
     const Owners own(owners);
     std::vector<const LocalParticipant*> mine;
     for (std::size_t i = 0; i < participants.size(); ++i) {

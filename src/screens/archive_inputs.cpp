@@ -13,7 +13,8 @@ std::vector<const LocalMatch*> matchesNewestFirst(const ArchiveStore& store) {
     std::vector<std::pair<qint64, const LocalMatch*>> keyed;
     keyed.reserve(all.size());
     for (const LocalMatch* m : all)
-        keyed.emplace_back(m->gameCreation ? m->gameCreation->toMSecsSinceEpoch() : std::numeric_limits<qint64>::min(), m);
+        keyed.emplace_back(m->gameCreation ? m->gameCreation->toMSecsSinceEpoch() : std::numeric_limits<qint64>::min(),
+                           m);
     std::stable_sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) { return a.first > b.first; });
     std::vector<const LocalMatch*> matches;
     matches.reserve(keyed.size());

@@ -47,7 +47,8 @@ void HistoryModel::applyFilter() {
             if (filterOf(game.category()) == m_filter)
                 shown.push_back(game);
     }
-    m_wins = static_cast<int>(std::count_if(shown.begin(), shown.end(), [](const Stats::Game& g) { return g.me->win; }));
+    m_wins =
+        static_cast<int>(std::count_if(shown.begin(), shown.end(), [](const Stats::Game& g) { return g.me->win; }));
 
     m_chips.clear();
     const auto chip = [this](const QString& label, Filter value, const QColor& tint) {

@@ -22,7 +22,8 @@ std::optional<Stats::Game> MatchDetailModel::gameOf(const ArchiveStore& store, q
         return std::nullopt;
     const std::vector<LocalParticipant*> rows = store.participants().withMatchServerId(matchServerId);
     std::vector<const LocalParticipant*> roster(rows.begin(), rows.end());
-    std::sort(roster.begin(), roster.end(), [](const LocalParticipant* a, const LocalParticipant* b) { return a->localId < b->localId; });
+    std::sort(roster.begin(), roster.end(),
+              [](const LocalParticipant* a, const LocalParticipant* b) { return a->localId < b->localId; });
     const std::vector<const LocalMatch*> one{matches.front()};
     auto games = Stats::games(one, roster, owners, {});
     if (games.empty())

@@ -50,7 +50,7 @@ public:
     [[nodiscard]] static qint64 maxDamage(const Stats::Game& game);
     // Finds the game of one match in the store; none when the user has no row in it.
     [[nodiscard]] static std::optional<Stats::Game> gameOf(const ArchiveStore& store, qint64 matchServerId,
-                                                            const QSet<QString>& owners);
+                                                           const QSet<QString>& owners);
 
 Q_SIGNALS:
     void changed();

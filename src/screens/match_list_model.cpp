@@ -33,41 +33,68 @@ QVariant MatchListModel::data(const QModelIndex& index, int role) const {
     const LocalParticipant& me = *game.me;
     const LocalMatch& match = *game.match;
     switch (role) {
-    case ChampionNameRole: return me.championName;
-    case WinRole: return me.win;
-    case ResultTextRole: return MatchTexts::result(me.win);
-    case QueueLabelRole: return LeagueQueue::label(match.queueId, match.gameMode);
-    case CategoryChipRole: return MatchTexts::categoryChip(game.category());
-    case CategoryColorRole: return MatchTexts::categoryColor(game.category());
-    case TimeTextRole: return MatchTexts::timeText(match, m_now);
-    case KillsRole: return static_cast<int>(me.kills);
-    case DeathsRole: return static_cast<int>(me.deaths);
-    case AssistsRole: return static_cast<int>(me.assists);
-    case KdaTextRole: return MatchTexts::kdaRatio(me);
-    case KdaColorRole: return Theme::kda(Stats::kdaRatio(me));
-    case CsTextRole: return MatchTexts::creepScore(me);
-    case DamageTextRole: return MatchTexts::damage(me.damageToChampions);
+    case ChampionNameRole:
+        return me.championName;
+    case WinRole:
+        return me.win;
+    case ResultTextRole:
+        return MatchTexts::result(me.win);
+    case QueueLabelRole:
+        return LeagueQueue::label(match.queueId, match.gameMode);
+    case CategoryChipRole:
+        return MatchTexts::categoryChip(game.category());
+    case CategoryColorRole:
+        return MatchTexts::categoryColor(game.category());
+    case TimeTextRole:
+        return MatchTexts::timeText(match, m_now);
+    case KillsRole:
+        return static_cast<int>(me.kills);
+    case DeathsRole:
+        return static_cast<int>(me.deaths);
+    case AssistsRole:
+        return static_cast<int>(me.assists);
+    case KdaTextRole:
+        return MatchTexts::kdaRatio(me);
+    case KdaColorRole:
+        return Theme::kda(Stats::kdaRatio(me));
+    case CsTextRole:
+        return MatchTexts::creepScore(me);
+    case DamageTextRole:
+        return MatchTexts::damage(me.damageToChampions);
     case ItemsRole: {
         QVariantList items;
         for (qint64 item : me.items)
             items << static_cast<int>(item);
         return items;
     }
-    case FriendNamesRole: return friendNames(game);
-    case FriendTextRole: return friendNames(game).join(QStringLiteral(", "));
-    case MatchServerIdRole: return match.serverId;
-    default: return {};
+    case FriendNamesRole:
+        return friendNames(game);
+    case FriendTextRole:
+        return friendNames(game).join(QStringLiteral(", "));
+    case MatchServerIdRole:
+        return match.serverId;
+    default:
+        return {};
     }
 }
 
 QHash<int, QByteArray> MatchListModel::roleNames() const {
-    return {{ChampionNameRole, "championName"}, {WinRole, "win"},
-            {ResultTextRole, "resultText"},     {QueueLabelRole, "queueLabel"},
-            {CategoryChipRole, "categoryChip"}, {CategoryColorRole, "categoryColor"},
-            {TimeTextRole, "timeText"},         {KillsRole, "kills"},
-            {DeathsRole, "deaths"},             {AssistsRole, "assists"},
-            {KdaTextRole, "kdaText"},           {KdaColorRole, "kdaColor"},
-            {CsTextRole, "csText"},             {DamageTextRole, "damageText"},
-            {ItemsRole, "items"},               {FriendNamesRole, "friendNames"}, {FriendTextRole, "friendText"},
+    return {{ChampionNameRole, "championName"},
+            {WinRole, "win"},
+            {ResultTextRole, "resultText"},
+            {QueueLabelRole, "queueLabel"},
+            {CategoryChipRole, "categoryChip"},
+            {CategoryColorRole, "categoryColor"},
+            {TimeTextRole, "timeText"},
+            {KillsRole, "kills"},
+            {DeathsRole, "deaths"},
+            {AssistsRole, "assists"},
+            {KdaTextRole, "kdaText"},
+            {KdaColorRole, "kdaColor"},
+            {CsTextRole, "csText"},
+            {DamageTextRole, "damageText"},
+            {ItemsRole, "items"},
+            {FriendNamesRole, "friendNames"},
+            {FriendTextRole, "friendText"},
             {MatchServerIdRole, "matchServerId"}};
 }

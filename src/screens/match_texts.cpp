@@ -47,12 +47,18 @@ QString categoryChip(GameCategory category) {
 
 QColor categoryColor(GameCategory category) {
     switch (category) {
-    case GameCategory::Ranked: return Theme::gold();
-    case GameCategory::Mayhem: return Theme::purple();
-    case GameCategory::Aram: return Theme::teal();
-    case GameCategory::Arena: return Theme::orange();
-    case GameCategory::Normal: return Theme::win();
-    case GameCategory::Other: return Theme::textDim();
+    case GameCategory::Ranked:
+        return Theme::gold();
+    case GameCategory::Mayhem:
+        return Theme::purple();
+    case GameCategory::Aram:
+        return Theme::teal();
+    case GameCategory::Arena:
+        return Theme::orange();
+    case GameCategory::Normal:
+        return Theme::win();
+    case GameCategory::Other:
+        return Theme::textDim();
     }
     return Theme::textDim();
 }

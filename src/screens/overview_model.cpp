@@ -23,8 +23,8 @@ const LocalRankSnapshot* newestSolo(const ArchiveStore& store) {
     for (const LocalRankSnapshot* snapshot : store.rankSnapshots().all()) {
         if (snapshot->queue != QLatin1String("RANKED_SOLO_5x5"))
             continue;
-        const qint64 time = snapshot->capturedAt ? snapshot->capturedAt->toMSecsSinceEpoch()
-                                                 : std::numeric_limits<qint64>::min();
+        const qint64 time =
+            snapshot->capturedAt ? snapshot->capturedAt->toMSecsSinceEpoch() : std::numeric_limits<qint64>::min();
         if (!best || time > bestTime) {
             best = snapshot;
             bestTime = time;
@@ -152,13 +152,15 @@ void OverviewModel::computeHero(const std::vector<Stats::TimelineEntry>& timelin
     m_pills.append(pill(QString::number(timeline.size()) + QStringLiteral(" games tracked"), Theme::textSecondary()));
 }
 
-void OverviewModel::computeRank(const std::vector<Stats::TimelineEntry>& timeline, const std::vector<Stats::Game>& games) {
+void OverviewModel::computeRank(const std::vector<Stats::TimelineEntry>& timeline,
+                                const std::vector<Stats::Game>& games) {
     const LocalRankSnapshot* solo = store() ? newestSolo(*store()) : nullptr;
     m_hasRank = solo != nullptr;
     m_rankTier = solo ? solo->tier.value_or(QString()) : QString();
     m_rankLabel = solo ? RankMath::label(solo->tier, solo->division) : QString();
     m_rankLpText = solo ? QString::asprintf("%lld LP", static_cast<long long>(solo->lp)) : QString();
-    m_rankGamesText = solo ? QString::asprintf("%lld ranked games", static_cast<long long>(solo->wins + solo->losses)) : QString();
+    m_rankGamesText =
+        solo ? QString::asprintf("%lld ranked games", static_cast<long long>(solo->wins + solo->losses)) : QString();
 
     if (solo && solo->wins + solo->losses > 0) {
         m_rankedRing = ringPercent(solo->wins, solo->losses);
@@ -198,12 +200,15 @@ void OverviewModel::computeStatCards(const std::vector<Stats::TimelineEntry>& ti
     const double cs = csCount > 0 ? csSum / csCount : 0.0;
     const double vision = visionSum / n;
     const Streak streak = streakOf(timeline);
-    const auto card = [this](const QString& title, const QString& value, const QString& unit, double meter, const QColor& tint) {
-        m_statCards.append(QVariantMap{{"title", title}, {"value", value}, {"unit", unit}, {"meter", meter}, {"tint", tint}});
+    const auto card = [this](const QString& title, const QString& value, const QString& unit, double meter,
+                             const QColor& tint) {
+        m_statCards.append(
+            QVariantMap{{"title", title}, {"value", value}, {"unit", unit}, {"meter", meter}, {"tint", tint}});
     };
-    card(QStringLiteral("KDA Ratio"), QString::asprintf("%.2f", kda), QString(), std::min(kda / 6 * 100, 100.0), Theme::teal());
-    card(QStringLiteral("CS / Min"), QString::asprintf("%.1f", cs), QStringLiteral("/ min"), std::min(cs / 10 * 100, 100.0),
-         Theme::gold());
+    card(QStringLiteral("KDA Ratio"), QString::asprintf("%.2f", kda), QString(), std::min(kda / 6 * 100, 100.0),
+         Theme::teal());
+    card(QStringLiteral("CS / Min"), QString::asprintf("%.1f", cs), QStringLiteral("/ min"),
+         std::min(cs / 10 * 100, 100.0), Theme::gold());
     card(QStringLiteral("Vision / Min"), QString::asprintf("%.2f", vision), QStringLiteral("/ min"),
          std::min(vision * 0.5 * 100, 100.0), Theme::purple());
     card(streak.winning ? QStringLiteral("Win Streak") : QStringLiteral("Streak"), QString::number(streak.length),

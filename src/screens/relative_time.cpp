@@ -54,8 +54,8 @@ QString phrase(const QDateTime& then, const QDateTime& now, const char* locale) 
     const std::string wanted = (locale && *locale) ? locale : icu::Locale::getDefault().getName();
     UErrorCode status = U_ZERO_ERROR;
     if (!formatter || formatterLocale != wanted) {
-        formatter = std::make_unique<icu::RelativeDateTimeFormatter>(icu::Locale(wanted.c_str()), nullptr, UDAT_STYLE_LONG,
-                                                                     UDISPCTX_CAPITALIZATION_NONE, status);
+        formatter = std::make_unique<icu::RelativeDateTimeFormatter>(
+            icu::Locale(wanted.c_str()), nullptr, UDAT_STYLE_LONG, UDISPCTX_CAPITALIZATION_NONE, status);
         formatterLocale = wanted;
         if (U_FAILURE(status)) {
             formatter.reset();

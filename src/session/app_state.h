@@ -5,12 +5,12 @@
 #include "game_data/static_data.h"
 #include "league_client/lcu_discovery.h"
 
+#include <QCoro/QCoroTask>
 #include <QHash>
 #include <QObject>
 #include <QSet>
 #include <QString>
 #include <QtQml/qqmlregistration.h>
-#include <QCoro/QCoroTask>
 #include <exception>
 #include <functional>
 #include <optional>

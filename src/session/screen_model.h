@@ -1,7 +1,7 @@
 #pragma once
 
-#include "session/app_state.h"
 #include "archive/archive_store.h"
+#include "session/app_state.h"
 
 #include <QObject>
 #include <QPointer>

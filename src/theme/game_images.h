@@ -22,7 +22,8 @@ class GameImages : public QObject {
 public:
     // Not default-constructible on purpose: QML would otherwise make its own instance instead
     // of asking create() for the application's.
-    explicit GameImages(DataDragon dataDragon, QObject* parent = nullptr) : QObject(parent), m_dataDragon(std::move(dataDragon)) {}
+    explicit GameImages(DataDragon dataDragon, QObject* parent = nullptr)
+        : QObject(parent), m_dataDragon(std::move(dataDragon)) {}
 
     static void exposeToQml(GameImages* instance) { s_instance = instance; }
     static GameImages* create(QQmlEngine*, QJSEngine*);

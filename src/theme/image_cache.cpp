@@ -25,7 +25,8 @@ protected:
 QNetworkAccessManager* ImageCacheFactory::create(QObject* parent) {
     auto* manager = new CachingNetworkAccessManager(parent);
     auto* cache = new QNetworkDiskCache(manager);
-    cache->setCacheDirectory(QStandardPaths::writableLocation(QStandardPaths::CacheLocation) + QStringLiteral("/images"));
+    cache->setCacheDirectory(QStandardPaths::writableLocation(QStandardPaths::CacheLocation) +
+                             QStringLiteral("/images"));
     cache->setMaximumCacheSize(256LL * 1024 * 1024);
     manager->setCache(cache);
     return manager;

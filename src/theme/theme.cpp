@@ -13,36 +13,60 @@ QVariantList toList(const Theme::Pair& pair) {
 
 int Theme::pixelSize(TextRole role) {
     switch (role) {
-    case Micro: return 9;
-    case Small: return 10;
-    case Caption: return 11;
-    case Footnote: return 12;
-    case Body: return 13;
-    case Callout: return 14;
-    case Emphasis: return 15;
-    case Headline: return 16;
-    case Subtitle: return 17;
-    case Figure: return 18;
-    case Title: return 20;
-    case Display: return 24;
-    case DisplayLarge: return 26;
-    case Brand: return 28;
+    case Micro:
+        return 9;
+    case Small:
+        return 10;
+    case Caption:
+        return 11;
+    case Footnote:
+        return 12;
+    case Body:
+        return 13;
+    case Callout:
+        return 14;
+    case Emphasis:
+        return 15;
+    case Headline:
+        return 16;
+    case Subtitle:
+        return 17;
+    case Figure:
+        return 18;
+    case Title:
+        return 20;
+    case Display:
+        return 24;
+    case DisplayLarge:
+        return 26;
+    case Brand:
+        return 28;
     }
     return 13; // a role from elsewhere reads as body text
 }
 
 Theme::Pair Theme::tierPair(const QString& tier) {
     const QString key = tier.toUpper();
-    if (key == QLatin1String("IRON")) return {QColor(125, 125, 125), QColor(74, 74, 74)};
-    if (key == QLatin1String("BRONZE")) return {QColor(176, 123, 79), QColor(107, 68, 38)};
-    if (key == QLatin1String("SILVER")) return {QColor(159, 180, 199), QColor(93, 112, 128)};
-    if (key == QLatin1String("GOLD")) return {QColor(231, 196, 90), QColor(169, 128, 44)};
-    if (key == QLatin1String("PLATINUM")) return {QColor(79, 214, 192), QColor(29, 138, 124)};
-    if (key == QLatin1String("EMERALD")) return {QColor(55, 214, 122), QColor(23, 138, 76)};
-    if (key == QLatin1String("DIAMOND")) return {QColor(125, 184, 255), QColor(59, 111, 212)};
-    if (key == QLatin1String("MASTER")) return {QColor(180, 107, 232), QColor(122, 47, 176)};
-    if (key == QLatin1String("GRANDMASTER")) return {QColor(232, 100, 95), QColor(165, 47, 42)};
-    if (key == QLatin1String("CHALLENGER")) return {QColor(111, 208, 255), QColor(47, 127, 196)};
+    if (key == QLatin1String("IRON"))
+        return {QColor(125, 125, 125), QColor(74, 74, 74)};
+    if (key == QLatin1String("BRONZE"))
+        return {QColor(176, 123, 79), QColor(107, 68, 38)};
+    if (key == QLatin1String("SILVER"))
+        return {QColor(159, 180, 199), QColor(93, 112, 128)};
+    if (key == QLatin1String("GOLD"))
+        return {QColor(231, 196, 90), QColor(169, 128, 44)};
+    if (key == QLatin1String("PLATINUM"))
+        return {QColor(79, 214, 192), QColor(29, 138, 124)};
+    if (key == QLatin1String("EMERALD"))
+        return {QColor(55, 214, 122), QColor(23, 138, 76)};
+    if (key == QLatin1String("DIAMOND"))
+        return {QColor(125, 184, 255), QColor(59, 111, 212)};
+    if (key == QLatin1String("MASTER"))
+        return {QColor(180, 107, 232), QColor(122, 47, 176)};
+    if (key == QLatin1String("GRANDMASTER"))
+        return {QColor(232, 100, 95), QColor(165, 47, 42)};
+    if (key == QLatin1String("CHALLENGER"))
+        return {QColor(111, 208, 255), QColor(47, 127, 196)};
     return {QColor(90, 90, 106), QColor(55, 55, 74)};
 }
 
@@ -58,10 +82,14 @@ Theme::Pair Theme::champPair(qint64 seed) {
 }
 
 QColor Theme::kda(double value) {
-    if (value >= 5.0) return orange();
-    if (value >= 4.0) return teal();
-    if (value >= 3.0) return win();
-    if (value >= 2.0) return white(0.72);
+    if (value >= 5.0)
+        return orange();
+    if (value >= 4.0)
+        return teal();
+    if (value >= 3.0)
+        return win();
+    if (value >= 2.0)
+        return white(0.72);
     return white(0.55); // below 2, and NaN, which fails every comparison above
 }
 

@@ -1,6 +1,6 @@
 #include "app/nav_section.h"
-#include "session/app_state.h"
 #include "archive/archive_store.h"
+#include "session/app_state.h"
 #include "support/fake_backend.h"
 #include "support/test_settings.h"
 
@@ -147,7 +147,8 @@ private Q_SLOTS:
         // The reason is written out and a window waits for the player to close it.
         QString err;
         QTRY_VERIFY_WITH_TIMEOUT((err += QString::fromLocal8Bit(app.readAllStandardError()),
-                                  err.contains("Failed to create the local store: ")), 15000);
+                                  err.contains("Failed to create the local store: ")),
+                                 15000);
         QVERIFY2(!app.waitForFinished(1500), qPrintable(err));
         app.terminate();
         QVERIFY(app.waitForFinished(10000));

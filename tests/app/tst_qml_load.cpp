@@ -61,8 +61,12 @@ private Q_SLOTS:
         const SyntheticArchive archive(options);
         QJsonArray accounts;
         for (const RiotAccountDto& a : archive.ownerAccounts())
-            accounts.append(QJsonObject{{"id", a.id}, {"puuid", a.puuid}, {"platform", a.platform}, {"region", a.region},
-                                        {"game_name", a.gameName.value_or(QString())}, {"tag_line", a.tagLine.value_or(QString())}});
+            accounts.append(QJsonObject{{"id", a.id},
+                                        {"puuid", a.puuid},
+                                        {"platform", a.platform},
+                                        {"region", a.region},
+                                        {"game_name", a.gameName.value_or(QString())},
+                                        {"tag_line", a.tagLine.value_or(QString())}});
         m_fixture = std::make_unique<ScreenFixture>(accounts);
         archive.fill(*m_fixture->store);
         AppState::exposeToQml(m_fixture->state.get());
@@ -100,9 +104,9 @@ private Q_SLOTS:
                                                    "linkCard: Component { AddAccountCard {} } }\n";
         QTest::newRow("match detail") << imports + "MatchDetailView { width: 940; height: 720; appState: AppState; "
                                                    "matchServerId: 5 }\n";
-        QTest::newRow("overview of an empty archive")
-            << imports + "OverviewView { width: 1000; height: 700; appState: null; "
-                         "linkCard: Component { AddAccountCard {} } }\n";
+        QTest::newRow("overview of an empty archive") << imports +
+                                                             "OverviewView { width: 1000; height: 700; appState: null; "
+                                                             "linkCard: Component { AddAccountCard {} } }\n";
     }
     void screens() {
         QFETCH(QString, source);

@@ -55,7 +55,8 @@ private Q_SLOTS:
         olderSolo["captured_at"] = "2025-01-01T00:00:00Z";
         QJsonObject newerFlex = snapshot(5, 1, "RANKED_FLEX_SR", "PLATINUM", 77);
         newerFlex["captured_at"] = "2025-06-01T00:00:00Z";
-        QTest::newRow("flex only falls back") << QJsonArray{snapshot(1, 1, "RANKED_FLEX_SR", "GOLD", 50)} << "Gold II · 50 LP";
+        QTest::newRow("flex only falls back")
+            << QJsonArray{snapshot(1, 1, "RANKED_FLEX_SR", "GOLD", 50)} << "Gold II · 50 LP";
         QTest::newRow("solo without tier") << QJsonArray{noTier} << "Unranked";
         QTest::newRow("older solo beats newer flex") << QJsonArray{olderSolo, newerFlex} << "Silver II · 12 LP";
     }
@@ -72,7 +73,8 @@ private Q_SLOTS:
     }
 
     void sidebarWithoutAccounts() {
-        m_backend->on("GET", "/api/sync", FakeResponse::json(page({match(1), match(2)}, {participant(10, 1, "me", "Lux")})));
+        m_backend->on("GET", "/api/sync",
+                      FakeResponse::json(page({match(1), match(2)}, {participant(10, 1, "me", "Lux")})));
         m_state->bootstrap(m_store.get());
         SidebarModel model;
         model.setAppState(m_state.get());

@@ -37,9 +37,12 @@ private Q_SLOTS:
         QTest::addColumn<QJsonValue>("gameName");
         QTest::addColumn<QString>("puuid");
         QTest::addColumn<QString>("shown");
-        QTest::newRow("name") << QJsonValue("Ada") << "abcdefghij" << "Ada";
-        QTest::newRow("empty name") << QJsonValue("") << "abcdefghij" << "abcdef";
-        QTest::newRow("no name") << QJsonValue(QJsonValue::Null) << "abcdefghij" << "abcdef";
+        QTest::newRow("name") << QJsonValue("Ada") << "abcdefghij"
+                              << "Ada";
+        QTest::newRow("empty name") << QJsonValue("") << "abcdefghij"
+                                    << "abcdef";
+        QTest::newRow("no name") << QJsonValue(QJsonValue::Null) << "abcdefghij"
+                                 << "abcdef";
     }
     void displayName() {
         QFETCH(QJsonValue, gameName);
@@ -91,14 +94,16 @@ private Q_SLOTS:
             ArchiveStore store(m_path);
             matchLocalId = store.matches().insert(std::make_unique<LocalMatch>(dtoOf<MatchDto>(match(11))))->localId;
             QJsonObject bare = participant(21, 11, "p-bare");
-            for (const char* key : {"riot_id_game_name", "riot_id_tag_line", "team_position", "champ_level", "items",
-                                    "team_damage_pct", "kill_participation", "cs_per_min", "rank_tier",
-                                    "rank_division", "rank_lp"})
+            for (const char* key :
+                 {"riot_id_game_name", "riot_id_tag_line", "team_position", "champ_level", "items", "team_damage_pct",
+                  "kill_participation", "cs_per_min", "rank_tier", "rank_division", "rank_lp"})
                 bare.remove(key);
-            store.participants().insert(std::make_unique<LocalParticipant>(dtoOf<ParticipantDto>(participant(20, 11, "p-full"))));
+            store.participants().insert(
+                std::make_unique<LocalParticipant>(dtoOf<ParticipantDto>(participant(20, 11, "p-full"))));
             store.participants().insert(std::make_unique<LocalParticipant>(dtoOf<ParticipantDto>(bare)));
             store.rankSnapshots().insert(std::make_unique<LocalRankSnapshot>(dtoOf<RankSnapshotDto>(snapshot(30, 1))));
-            store.performanceScores().insert(std::make_unique<LocalPerformanceScore>(dtoOf<PerformanceScoreDto>(score(40, 1, 11))));
+            store.performanceScores().insert(
+                std::make_unique<LocalPerformanceScore>(dtoOf<PerformanceScoreDto>(score(40, 1, 11))));
             store.save();
         }
         ArchiveStore store(m_path);
@@ -107,7 +112,8 @@ private Q_SLOTS:
         QCOMPARE(m->localId, matchLocalId);
         QCOMPARE(m->matchId, QStringLiteral("EUW1_7000000011"));
         QVERIFY(m->isRanked);
-        QCOMPARE(m->gameCreation->toMSecsSinceEpoch(), BackendDate::fromBackend(QStringLiteral("2025-03-01T18:04:05Z"))->toMSecsSinceEpoch());
+        QCOMPARE(m->gameCreation->toMSecsSinceEpoch(),
+                 BackendDate::fromBackend(QStringLiteral("2025-03-01T18:04:05Z"))->toMSecsSinceEpoch());
         QCOMPARE(m->season, std::optional<qint64>(2025));
 
         const auto participants = store.participants().withMatchServerId(11);
@@ -126,7 +132,8 @@ private Q_SLOTS:
         QVERIFY(snap->capturedAt);
         const LocalPerformanceScore* s = store.performanceScores().all().front();
         QCOMPARE(s->score, 61.5);
-        QCOMPARE(QJsonDocument::fromJson(s->componentsJson.toUtf8()).object().value("killParticipation").toDouble(), 0.64);
+        QCOMPARE(QJsonDocument::fromJson(s->componentsJson.toUtf8()).object().value("killParticipation").toDouble(),
+                 0.64);
     }
 
     void updatesAndDeletionsPersist() {
@@ -170,10 +177,12 @@ private Q_SLOTS:
         store.matches().insert(std::make_unique<LocalMatch>(dtoOf<MatchDto>(match(1))));
         store.save();
         store.matches().insert(std::make_unique<LocalMatch>(dtoOf<MatchDto>(match(2))));
-        QVERIFY(sqlite3_exec(store.database().handle(), "PRAGMA query_only = 1", nullptr, nullptr, nullptr) == SQLITE_OK);
+        QVERIFY(sqlite3_exec(store.database().handle(), "PRAGMA query_only = 1", nullptr, nullptr, nullptr) ==
+                SQLITE_OK);
         QVERIFY_THROWS_EXCEPTION(StoreError, store.save());
         QVERIFY(store.hasChanges());
-        QVERIFY(sqlite3_exec(store.database().handle(), "PRAGMA query_only = 0", nullptr, nullptr, nullptr) == SQLITE_OK);
+        QVERIFY(sqlite3_exec(store.database().handle(), "PRAGMA query_only = 0", nullptr, nullptr, nullptr) ==
+                SQLITE_OK);
         store.save();
         QVERIFY(!store.hasChanges());
     }
@@ -202,7 +211,10 @@ private Q_SLOTS:
     }
 
     void newerSchemaIsRefused() {
-        { ArchiveStore store(m_path); store.database().execute(QStringLiteral("PRAGMA user_version = 99")); }
+        {
+            ArchiveStore store(m_path);
+            store.database().execute(QStringLiteral("PRAGMA user_version = 99"));
+        }
         QVERIFY_THROWS_EXCEPTION(StoreError, ArchiveStore store(m_path));
     }
 

@@ -10,8 +10,8 @@
 #include "backend/backend_error.h"
 
 #include <QNetworkAccessManager>
-#include <QUrlQuery>
 #include <QTest>
+#include <QUrlQuery>
 #include <sqlite3.h>
 
 using namespace ArchiveJson;
@@ -29,7 +29,8 @@ class TestSyncEngine : public QObject {
     // Answers "sync" by cursor: the key "" is the request without a cursor.
     void servePages(QHash<QString, FakeResponse> pages) {
         m_backend->on("GET", "/api/sync", [pages](const RecordedRequest& request) {
-            const QString cursor = QUrlQuery(QString::fromUtf8(request.rawQuery)).queryItemValue("cursor", QUrl::FullyDecoded);
+            const QString cursor =
+                QUrlQuery(QString::fromUtf8(request.rawQuery)).queryItemValue("cursor", QUrl::FullyDecoded);
             return pages.value(cursor, FakeResponse::text(500, "unknown cursor " + cursor.toUtf8()));
         });
     }
@@ -98,7 +99,8 @@ private Q_SLOTS:
         markMirrorCurrent();
         QJsonObject later = match(1);
         later["game_duration"] = 2222;
-        servePages({{"", FakeResponse::json(page({match(1), later}, {}, {snapshot(3, 1), snapshot(3, 1, "RANKED_FLEX_SR")}))}});
+        servePages({{"", FakeResponse::json(
+                             page({match(1), later}, {}, {snapshot(3, 1), snapshot(3, 1, "RANKED_FLEX_SR")}))}});
         QCOMPARE(pull(), 2);
         QCOMPARE(m_store->matches().count(), 1);
         QCOMPARE(m_store->matches().all().front()->gameDuration, 2222);
@@ -108,10 +110,12 @@ private Q_SLOTS:
 
     void participantsReplacedPerGame() {
         markMirrorCurrent();
-        servePages({{"", FakeResponse::json(page({match(1), match(2)},
-                                                 {participant(10, 1, "a"), participant(11, 1, "b"), participant(20, 2, "c")},
-                                                 {}, {}, QStringLiteral("p1"), false))},
-                    {"p1", FakeResponse::json(page({match(1)}, {participant(12, 1, "d")}, {}, {}, QStringLiteral("p2"), false))}});
+        servePages(
+            {{"", FakeResponse::json(page({match(1), match(2)},
+                                          {participant(10, 1, "a"), participant(11, 1, "b"), participant(20, 2, "c")},
+                                          {}, {}, QStringLiteral("p1"), false))},
+             {"p1",
+              FakeResponse::json(page({match(1)}, {participant(12, 1, "d")}, {}, {}, QStringLiteral("p2"), false))}});
         pull();
         const qint64 gameOneId = m_store->matches().withServerIds({1}).front()->localId;
         pull();
@@ -133,9 +137,10 @@ private Q_SLOTS:
     void failureOnThirdPageKeepsTheFirstTwo() {
         QFETCH(FakeResponse, third);
         markMirrorCurrent();
-        servePages({{"", FakeResponse::json(page({match(1)}, {participant(10, 1, "a")}, {}, {}, QStringLiteral("c1"), true))},
-                    {"c1", FakeResponse::json(page({match(2)}, {}, {}, {}, QStringLiteral("c2"), true))},
-                    {"c2", third}});
+        servePages(
+            {{"", FakeResponse::json(page({match(1)}, {participant(10, 1, "a")}, {}, {}, QStringLiteral("c1"), true))},
+             {"c1", FakeResponse::json(page({match(2)}, {}, {}, {}, QStringLiteral("c2"), true))},
+             {"c2", third}});
         QVERIFY_THROWS_EXCEPTION(BackendError, pull());
         QCOMPARE(m_store->matches().count(), 2);
         QCOMPARE((*m_settings)->value("quill.syncCursor").toString(), QStringLiteral("c2"));
@@ -185,7 +190,6 @@ private Q_SLOTS:
         QCOMPARE((*m_settings)->value("quill.mirrorVersion").toInt(), wiped ? 5 : storedVersion.toInt());
     }
 };
-
 
 QTEST_GUILESS_MAIN(TestSyncEngine)
 #include "tst_sync_engine.moc"

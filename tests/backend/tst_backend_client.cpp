@@ -124,8 +124,8 @@ private Q_SLOTS:
                   decoding = int(BackendError::Kind::Decoding);
         QTest::newRow("500 with body") << 500 << QByteArray("oops") << http << "Server error 500. oops";
         QTest::newRow("404 not UTF-8") << 404 << QByteArray("\xff\xfe\xfd") << http << "Server error 404. ";
-        QTest::newRow("401 whatever the body") << 401 << QByteArray(R"({"token":"x"})") << unauthorized
-                                               << "Your session expired. Please sign in again.";
+        QTest::newRow("401 whatever the body")
+            << 401 << QByteArray(R"({"token":"x"})") << unauthorized << "Your session expired. Please sign in again.";
         QTest::newRow("204 no body") << 204 << QByteArray() << decoding << "Couldn't read the server response. ";
     }
     void statusHandling() {
@@ -155,7 +155,8 @@ private Q_SLOTS:
     void transportFailures_data() {
         QTest::addColumn<QByteArray>("rawReply");
         QTest::newRow("not HTTP") << QByteArray("HELLO THERE\r\n\r\n");
-        QTest::newRow("truncated body") << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 500\r\n\r\n{\"riot_accounts\":[");
+        QTest::newRow("truncated body") << QByteArray(
+            "HTTP/1.1 200 OK\r\nContent-Length: 500\r\n\r\n{\"riot_accounts\":[");
     }
     void transportFailures() {
         QFETCH(QByteArray, rawReply);

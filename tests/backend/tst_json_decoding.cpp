@@ -4,8 +4,8 @@
 #include "backend/json_keys.h"
 #include "backend/json_reader.h"
 
-#include <QTimeZone>
 #include <QTest>
+#include <QTimeZone>
 
 namespace {
 
@@ -31,15 +31,24 @@ private Q_SLOTS:
     void keyConversion_data() {
         QTest::addColumn<QString>("wire");
         QTest::addColumn<QString>("field");
-        QTest::newRow("three pieces") << "riot_id_game_name" << "riotIdGameName";
-        QTest::newRow("upper-case piece") << "match_ID" << "matchId";
-        QTest::newRow("all upper case") << "NEXT_CURSOR" << "nextCursor";
-        QTest::newRow("no underscore kept") << "Puuid" << "Puuid";
-        QTest::newRow("leading underscore kept") << "_private_key" << "_privateKey";
-        QTest::newRow("trailing underscores kept") << "has_more__" << "hasMore__";
-        QTest::newRow("doubled inner underscore") << "kill__participation" << "killParticipation";
-        QTest::newRow("only underscores") << "___" << "___";
-        QTest::newRow("underscores around one word") << "_id_" << "_id_";
+        QTest::newRow("three pieces") << "riot_id_game_name"
+                                      << "riotIdGameName";
+        QTest::newRow("upper-case piece") << "match_ID"
+                                          << "matchId";
+        QTest::newRow("all upper case") << "NEXT_CURSOR"
+                                        << "nextCursor";
+        QTest::newRow("no underscore kept") << "Puuid"
+                                            << "Puuid";
+        QTest::newRow("leading underscore kept") << "_private_key"
+                                                 << "_privateKey";
+        QTest::newRow("trailing underscores kept") << "has_more__"
+                                                   << "hasMore__";
+        QTest::newRow("doubled inner underscore") << "kill__participation"
+                                                  << "killParticipation";
+        QTest::newRow("only underscores") << "___"
+                                          << "___";
+        QTest::newRow("underscores around one word") << "_id_"
+                                                     << "_id_";
     }
     void keyConversion() {
         QFETCH(QString, wire);
@@ -58,9 +67,13 @@ private Q_SLOTS:
         QTest::newRow("trailing text") << "2025-03-01T18:04:05Zjunk" << qint64(-1);
         // The usual shapes are read without the general formatters and must agree with them.
         QTest::newRow("fraction truncated") << "2025-03-01T18:04:05.999999+00:00" << base + 999;
-        QTest::newRow("negative half-hour offset") << "2025-03-01T18:04:05.000001-05:30" << base + 5 * 3600000 + 30 * 60000;
-        QTest::newRow("offset past midnight") << "2025-01-01T00:30:00+01:00" << QDateTime(QDate(2024, 12, 31), QTime(23, 30), QTimeZone::utc()).toMSecsSinceEpoch();
-        QTest::newRow("leap day") << "2024-02-29T12:00:00Z" << QDateTime(QDate(2024, 2, 29), QTime(12, 0), QTimeZone::utc()).toMSecsSinceEpoch();
+        QTest::newRow("negative half-hour offset")
+            << "2025-03-01T18:04:05.000001-05:30" << base + 5 * 3600000 + 30 * 60000;
+        QTest::newRow("offset past midnight")
+            << "2025-01-01T00:30:00+01:00"
+            << QDateTime(QDate(2024, 12, 31), QTime(23, 30), QTimeZone::utc()).toMSecsSinceEpoch();
+        QTest::newRow("leap day") << "2024-02-29T12:00:00Z"
+                                  << QDateTime(QDate(2024, 2, 29), QTime(12, 0), QTimeZone::utc()).toMSecsSinceEpoch();
         QTest::newRow("no leap day") << "2025-02-29T12:00:00Z" << qint64(-1);
         QTest::newRow("hour 24") << "2025-03-01T24:00:00Z" << qint64(-1);
         QTest::newRow("offset minutes 60") << "2025-03-01T18:04:05+01:60" << qint64(-1);
@@ -82,8 +95,10 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("json");
         QTest::addColumn<QString>("riotId");
         const QByteArray head = R"({"id":1,"puuid":"p","platform":"euw1","region":"europe")";
-        QTest::newRow("name null") << head + R"(,"game_name":null,"tag_line":"EUW"})" << "EUW";
-        QTest::newRow("both missing") << head + "}" << "";
+        QTest::newRow("name null") << head + R"(,"game_name":null,"tag_line":"EUW"})"
+                                   << "EUW";
+        QTest::newRow("both missing") << head + "}"
+                                      << "";
     }
     void riotId() {
         QFETCH(QByteArray, json);
@@ -126,10 +141,10 @@ private Q_SLOTS:
     void failuresNameKeyAndPath_data() {
         QTest::addColumn<QByteArray>("json");
         QTest::addColumn<QStringList>("mustMention");
-        QTest::newRow("missing top-level key") << QByteArray(R"({"user":{"id":1,"email":"a"}})")
-                                               << QStringList{"\"token\"", "top level"};
-        QTest::newRow("missing nested key") << QByteArray(R"({"token":"t","user":{"id":1}})")
-                                            << QStringList{"\"email\"", "\"user\""};
+        QTest::newRow("missing top-level key")
+            << QByteArray(R"({"user":{"id":1,"email":"a"}})") << QStringList{"\"token\"", "top level"};
+        QTest::newRow("missing nested key")
+            << QByteArray(R"({"token":"t","user":{"id":1}})") << QStringList{"\"email\"", "\"user\""};
         QTest::newRow("wrong type") << QByteArray(R"({"token":"t","user":{"id":"seven","email":"a"}})")
                                     << QStringList{"user.id", "integer", "text"};
         QTest::newRow("required null") << QByteArray(R"({"token":null,"user":{"id":1,"email":"a"}})")

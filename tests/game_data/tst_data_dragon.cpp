@@ -53,7 +53,8 @@ private Q_SLOTS:
         QVERIFY(!DataDragon::parseChampionList("not json"));
         QVERIFY(!DataDragon::parseChampionList(R"({"data":[]})"));
         // A list of another shape is refused whole, so the map already known stays.
-        QVERIFY(!DataDragon::parseChampionList(R"({"data":{"Ahri":{"key":"103","id":"Ahri"},"NoKey":{"id":"NoKey"}}})"));
+        QVERIFY(
+            !DataDragon::parseChampionList(R"({"data":{"Ahri":{"key":"103","id":"Ahri"},"NoKey":{"id":"NoKey"}}})"));
         QVERIFY(!DataDragon::parseChampionList(R"({"data":{"Ahri":{"key":103,"id":"Ahri"}}})"));
     }
 };

@@ -37,8 +37,9 @@ private Q_SLOTS:
         BackendClient client(network, backend.baseUrl());
         backend.on("GET", "/api/static/version", versionAnswer);
         if (listServed)
-            backend.on("GET", QStringLiteral("/cdn/%1/data/en_US/champion.json").arg(version),
-                       FakeResponse{200, R"({"data":{"Ahri":{"key":"103","id":"Ahri"},"X":{"key":"x1","id":"X"}}})", {}});
+            backend.on(
+                "GET", QStringLiteral("/cdn/%1/data/en_US/champion.json").arg(version),
+                FakeResponse{200, R"({"data":{"Ahri":{"key":"103","id":"Ahri"},"X":{"key":"x1","id":"X"}}})", {}});
         StaticData data(client, network, DataDragon(backend.baseUrl().toString() + "/cdn/"));
         QSignalSpy versionChanged(&data, &StaticData::versionChanged);
 

@@ -51,17 +51,17 @@ private Q_SLOTS:
     void gamesAndFriends() {
         Archive a;
         a.match(1);
-        a.match(2); // only strangers
-        a.match(3); // no rows at all
-        a.match(4); // two linked accounts
-        a.row(1, "stranger", 200, "Ann");            // an enemy with a friend's name
+        a.match(2);                       // only strangers
+        a.match(3);                       // no rows at all
+        a.match(4);                       // two linked accounts
+        a.row(1, "stranger", 200, "Ann"); // an enemy with a friend's name
         a.row(1, "me");
-        a.row(1, "mate", 100, "ANN");                  // a friend, in other letter case
-        a.row(1, "nameless", 100);                     // no game name: never a friend
+        a.row(1, "mate", 100, "ANN"); // a friend, in other letter case
+        a.row(1, "nameless", 100);    // no game name: never a friend
         a.row(2, "stranger");
-        a.row(4, "alt", 100, "ann");                   // the user's other account comes first
+        a.row(4, "alt", 100, "ann"); // the user's other account comes first
         a.row(4, "me", 100, "Me");
-        a.row(99, "me");                               // a row of a match not given
+        a.row(99, "me"); // a row of a match not given
         const auto games = Stats::games(a.matches, a.rows, {"me", "alt"}, {"ann"});
         QCOMPARE(games.size(), std::size_t(2));
         QCOMPARE(games[0].id(), 1);
@@ -91,8 +91,8 @@ private Q_SLOTS:
             row.csPerMin = cs;
         };
         add(1, 0, 0, 0, false, std::nullopt);
-        add(2, 3, 1, 0, true, 6.0);  // ratio 3
-        add(2, 1, 1, 0, false, 8.0); // ratio 1
+        add(2, 3, 1, 0, true, 6.0);          // ratio 3
+        add(2, 1, 1, 0, false, 8.0);         // ratio 1
         add(2, 7, 0, 5, true, std::nullopt); // deathless: 12
         const auto champs = Stats::champions(a.rows);
         QCOMPARE(champs.size(), std::size_t(2));

@@ -1,6 +1,6 @@
-#include "session/app_state.h"
 #include "archive/archive_store.h"
 #include "league_client/client_import.h"
+#include "session/app_state.h"
 #include "support/archive_json.h"
 #include "support/fake_backend.h"
 #include "support/fake_league_client.h"

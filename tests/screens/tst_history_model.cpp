@@ -63,9 +63,9 @@ private Q_SLOTS:
         ScreenFixture f;
         f.addOwnGame(1, true);
         f.addOwnGame(5, false);
-        f.addMatch(match(9));                                // a game of other players only
+        f.addMatch(match(9)); // a game of other players only
         f.addParticipant(participant(900, 9, "someone-else"));
-        f.addMatch(match(10));                               // a game without any stored row
+        f.addMatch(match(10)); // a game without any stored row
         f.save();
         HistoryModel model;
         model.setAppState(f.state.get());
@@ -126,14 +126,34 @@ private Q_SLOTS:
     void friendTagsShowThreeOfFour() {
         ScreenFixture f;
         f.backend.on("GET", "/api/stats/duos",
-                     FakeResponse::json({{"duos", QJsonArray{
-                         QJsonObject{{"puuid", "f1"}, {"riot_id", "Ann#1"}, {"games", 3}, {"wins", 1}, {"losses", 2}, {"winrate", 0.3}},
-                         QJsonObject{{"puuid", "f2"}, {"riot_id", "Bob#1"}, {"games", 3}, {"wins", 1}, {"losses", 2}, {"winrate", 0.3}},
-                         QJsonObject{{"puuid", "f3"}, {"riot_id", "Cid#1"}, {"games", 3}, {"wins", 1}, {"losses", 2}, {"winrate", 0.3}},
-                         QJsonObject{{"puuid", "f4"}, {"riot_id", "Dee#1"}, {"games", 3}, {"wins", 1}, {"losses", 2}, {"winrate", 0.3}}}}}));
+                     FakeResponse::json({{"duos", QJsonArray{QJsonObject{{"puuid", "f1"},
+                                                                         {"riot_id", "Ann#1"},
+                                                                         {"games", 3},
+                                                                         {"wins", 1},
+                                                                         {"losses", 2},
+                                                                         {"winrate", 0.3}},
+                                                             QJsonObject{{"puuid", "f2"},
+                                                                         {"riot_id", "Bob#1"},
+                                                                         {"games", 3},
+                                                                         {"wins", 1},
+                                                                         {"losses", 2},
+                                                                         {"winrate", 0.3}},
+                                                             QJsonObject{{"puuid", "f3"},
+                                                                         {"riot_id", "Cid#1"},
+                                                                         {"games", 3},
+                                                                         {"wins", 1},
+                                                                         {"losses", 2},
+                                                                         {"winrate", 0.3}},
+                                                             QJsonObject{{"puuid", "f4"},
+                                                                         {"riot_id", "Dee#1"},
+                                                                         {"games", 3},
+                                                                         {"wins", 1},
+                                                                         {"losses", 2},
+                                                                         {"winrate", 0.3}}}}}));
         runTask(f.state->loadDuos());
         f.addOwnGame(1, true);
-        for (auto [id, name] : std::initializer_list<std::pair<int, const char*>>{{2, "ANN"}, {3, "Bob"}, {4, "cid"}, {5, "Dee"}}) {
+        for (auto [id, name] :
+             std::initializer_list<std::pair<int, const char*>>{{2, "ANN"}, {3, "Bob"}, {4, "cid"}, {5, "Dee"}}) {
             QJsonObject mate = participant(100 + id, 1, QStringLiteral("f%1").arg(id));
             mate["riot_id_game_name"] = name;
             f.addParticipant(mate);

@@ -60,10 +60,14 @@ private Q_SLOTS:
     void detailFriendMarks() {
         QFETCH(bool, altIsADuo);
         ScreenFixture f({riotAccount(1, "me"), riotAccount(2, "alt")});
-        QJsonArray duos{QJsonObject{{"puuid", "me"}, {"riot_id", "Me#1"}, {"games", 2}, {"wins", 1}, {"losses", 1}, {"winrate", 0.5}},
-                        QJsonObject{{"puuid", "mate"}, {"riot_id", "Mate#1"}, {"games", 2}, {"wins", 1}, {"losses", 1}, {"winrate", 0.5}}};
+        QJsonArray duos{
+            QJsonObject{
+                {"puuid", "me"}, {"riot_id", "Me#1"}, {"games", 2}, {"wins", 1}, {"losses", 1}, {"winrate", 0.5}},
+            QJsonObject{
+                {"puuid", "mate"}, {"riot_id", "Mate#1"}, {"games", 2}, {"wins", 1}, {"losses", 1}, {"winrate", 0.5}}};
         if (altIsADuo)
-            duos.append(QJsonObject{{"puuid", "alt"}, {"riot_id", "Alt#1"}, {"games", 2}, {"wins", 1}, {"losses", 1}, {"winrate", 0.5}});
+            duos.append(QJsonObject{
+                {"puuid", "alt"}, {"riot_id", "Alt#1"}, {"games", 2}, {"wins", 1}, {"losses", 1}, {"winrate", 0.5}});
         f.backend.on("GET", "/api/stats/duos", FakeResponse::json({{"duos", duos}}));
         runTask(f.state->loadDuos());
         f.addMatch(match(1));
@@ -95,7 +99,8 @@ private Q_SLOTS:
         model.setAppState(f.state.get());
         model.setMatchServerId(1);
         QCOMPARE(model.teams().size(), 1);
-        QCOMPARE(model.teams().at(0).toMap().value("rows").toList().at(0).toMap().value("damagePercent").toDouble(), 0.0);
+        QCOMPARE(model.teams().at(0).toMap().value("rows").toList().at(0).toMap().value("damagePercent").toDouble(),
+                 0.0);
     }
 };
 

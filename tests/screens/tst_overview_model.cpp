@@ -42,9 +42,12 @@ private Q_SLOTS:
         QTest::addColumn<QList<bool>>("results");
         QTest::addColumn<QString>("pills");
         QTest::addColumn<QString>("streakCard");
-        QTest::newRow("W W L") << QList<bool>{true, true, false} << "▲ 2W streak | Mid Main | 3 games tracked" << "Win Streak 2";
-        QTest::newRow("L W") << QList<bool>{false, true} << "Mid Main | 2 games tracked" << "Streak 1";
-        QTest::newRow("L L L") << QList<bool>{false, false, false} << "▼ 3L streak | Mid Main | 3 games tracked" << "Streak 3";
+        QTest::newRow("W W L") << QList<bool>{true, true, false} << "▲ 2W streak | Mid Main | 3 games tracked"
+                               << "Win Streak 2";
+        QTest::newRow("L W") << QList<bool>{false, true} << "Mid Main | 2 games tracked"
+                             << "Streak 1";
+        QTest::newRow("L L L") << QList<bool>{false, false, false} << "▼ 3L streak | Mid Main | 3 games tracked"
+                               << "Streak 3";
     }
     void streaks() {
         QFETCH(QList<bool>, results);
@@ -77,8 +80,10 @@ private Q_SLOTS:
         QCOMPARE(model.formResults().size(), 10);
         QCOMPARE(model.formLabel(), QStringLiteral("Recent Form · Last 10"));
         QCOMPARE(model.recentMatches()->rowCount(), 5);
-        QCOMPARE(model.recentMatches()->data(model.recentMatches()->index(0, 0),
-                                             model.recentMatches()->roleNames().key("matchServerId")).toLongLong(), 14);
+        QCOMPARE(model.recentMatches()
+                     ->data(model.recentMatches()->index(0, 0), model.recentMatches()->roleNames().key("matchServerId"))
+                     .toLongLong(),
+                 14);
     }
 
     void rankedRingFallsBackToTrackedGames() {
@@ -107,8 +112,8 @@ private Q_SLOTS:
 
     void bonusRingCountsOnlyFunModes() {
         ScreenFixture f;
-        f.addOwnGame(1, true, 420);                     // ranked: not bonus
-        f.addOwnGame(2, true, 400);                     // normal: not bonus
+        f.addOwnGame(1, true, 420); // ranked: not bonus
+        f.addOwnGame(2, true, 400); // normal: not bonus
         f.addOwnGame(3, true, 450, "Lux", "ARAM");
         f.addOwnGame(4, false, 1700, "Jinx", "CHERRY");
         f.addOwnGame(5, false, 900, "Zed", "URF");

@@ -1,5 +1,5 @@
-#include "session/app_state.h"
 #include "archive/archive_store.h"
+#include "session/app_state.h"
 #include "support/archive_json.h"
 #include "support/fake_backend.h"
 #include "support/task_result.h"
@@ -26,9 +26,7 @@ class TestAppState : public QObject {
     std::unique_ptr<AppState> m_state;
     QTemporaryDir m_dir;
 
-    void makeState() {
-        m_state = std::make_unique<AppState>(**m_settings, m_network);
-    }
+    void makeState() { m_state = std::make_unique<AppState>(**m_settings, m_network); }
 
     void waitIdle() { QTRY_VERIFY_WITH_TIMEOUT(!m_state->hasRunningTasks(), 10000); }
     void run(QCoro::Task<> task) { runTask(std::move(task)); }
@@ -46,14 +44,21 @@ class TestAppState : public QObject {
         m_backend->on("POST", "/api/auth/register", FakeResponse::json(auth("tok-register")));
         m_backend->on("POST", "/api/riot-accounts/refresh", FakeResponse::json(riotAccounts({riotAccount(1, "me")})));
         m_backend->on("GET", "/api/riot-accounts", FakeResponse::json(riotAccounts({riotAccount(1, "me")})));
-        m_backend->on("GET", "/api/sync",
-                      FakeResponse::json(page({match(1), match(2)}, {participant(10, 1, "me"), participant(11, 2, "me")})));
+        m_backend->on(
+            "GET", "/api/sync",
+            FakeResponse::json(page({match(1), match(2)}, {participant(10, 1, "me"), participant(11, 2, "me")})));
         m_backend->on("GET", "/api/stats/duos",
-                      FakeResponse::json({{"duos", QJsonArray{QJsonObject{{"puuid", "friend-1"}, {"riot_id", "Bard Main#EUW"},
-                                                                          {"games", 5}, {"wins", 3}, {"losses", 2},
+                      FakeResponse::json({{"duos", QJsonArray{QJsonObject{{"puuid", "friend-1"},
+                                                                          {"riot_id", "Bard Main#EUW"},
+                                                                          {"games", 5},
+                                                                          {"wins", 3},
+                                                                          {"losses", 2},
                                                                           {"winrate", 0.6}},
-                                                              QJsonObject{{"puuid", "friend-2"}, {"riot_id", "#TAG"},
-                                                                          {"games", 4}, {"wins", 1}, {"losses", 3},
+                                                              QJsonObject{{"puuid", "friend-2"},
+                                                                          {"riot_id", "#TAG"},
+                                                                          {"games", 4},
+                                                                          {"wins", 1},
+                                                                          {"losses", 3},
                                                                           {"winrate", 0.25}}}}}));
     }
 
@@ -102,7 +107,8 @@ private Q_SLOTS:
         QCOMPARE(m_state->errorMessage(), expired);
         QVERIFY(!(*m_settings)->contains("authToken"));
         QVERIFY(!m_state->client().authToken());
-        QCOMPARE(m_backend->requestsTo("/api/riot-accounts/refresh").first().header("Authorization"), QByteArray("Bearer stale"));
+        QCOMPARE(m_backend->requestsTo("/api/riot-accounts/refresh").first().header("Authorization"),
+                 QByteArray("Bearer stale"));
         // The sync that follows still runs, now without a token, and fails the same way.
         QCOMPARE(m_backend->requestsTo("/api/sync").size(), 1);
         QVERIFY(!m_backend->requestsTo("/api/sync").first().hasHeader("Authorization"));

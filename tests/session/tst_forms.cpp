@@ -1,7 +1,7 @@
+#include "archive/archive_store.h"
 #include "session/account_link_form.h"
 #include "session/app_state.h"
 #include "session/login_form.h"
-#include "archive/archive_store.h"
 #include "support/archive_json.h"
 #include "support/fake_backend.h"
 #include "support/task_result.h"
@@ -51,12 +51,16 @@ private Q_SLOTS:
         QTest::addColumn<QString>("email");
         QTest::addColumn<QString>("password");
         QTest::addColumn<bool>("enabled");
-        QTest::newRow("8 characters") << "a@b.c" << "12345678" << true;
-        QTest::newRow("7 characters") << "a@b.c" << "1234567" << false;
+        QTest::newRow("8 characters") << "a@b.c"
+                                      << "12345678" << true;
+        QTest::newRow("7 characters") << "a@b.c"
+                                      << "1234567" << false;
         QTest::newRow("4 accented letters, 8 code units")
             << "a@b.c" << QString::fromUtf8("e\u0301").repeated(4) << false;
-        QTest::newRow("no e-mail") << "" << "12345678" << false;
-        QTest::newRow("spaces count as typed") << " " << "        " << true;
+        QTest::newRow("no e-mail") << ""
+                                   << "12345678" << false;
+        QTest::newRow("spaces count as typed") << " "
+                                               << "        " << true;
     }
     void submitNeedsEmailAndEightCharacters() {
         QFETCH(QString, email);
@@ -80,8 +84,8 @@ private Q_SLOTS:
 
     // The League button stays busy for exactly its own attempt and leaves the e-mail sign-in usable.
     void leagueButtonIsBusyForItsAttempt() {
-        m_state->setLeagueClientSources({{m_dir.filePath(QStringLiteral("no-lockfile"))},
-                                         [] { return std::optional<QByteArray>(QByteArray()); }});
+        m_state->setLeagueClientSources(
+            {{m_dir.filePath(QStringLiteral("no-lockfile"))}, [] { return std::optional<QByteArray>(QByteArray()); }});
         m_state->bootstrap(m_store.get());
         LoginForm form;
         form.setAppState(m_state.get());
@@ -127,11 +131,15 @@ private Q_SLOTS:
     void riotIdTrimming_data() {
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("sent"); // empty: nothing is sent
-        QTest::newRow("spaces and tabs") << " \tAda#EUW \t " << "Ada#EUW";
-        QTest::newRow("inner space kept") << "  Ada Lovelace#EUW" << "Ada Lovelace#EUW";
-        QTest::newRow("line break kept") << "Ada#EUW\n" << "Ada#EUW\n";
+        QTest::newRow("spaces and tabs") << " \tAda#EUW \t "
+                                         << "Ada#EUW";
+        QTest::newRow("inner space kept") << "  Ada Lovelace#EUW"
+                                          << "Ada Lovelace#EUW";
+        QTest::newRow("line break kept") << "Ada#EUW\n"
+                                         << "Ada#EUW\n";
         QTest::newRow("pasted no-break and wide spaces") << QString::fromUtf8("\u00a0Ada#EUW\u3000") << "Ada#EUW";
-        QTest::newRow("spaces only") << "   " << "";
+        QTest::newRow("spaces only") << "   "
+                                     << "";
     }
     void riotIdTrimming() {
         QFETCH(QString, typed);
@@ -148,7 +156,8 @@ private Q_SLOTS:
             QVERIFY(form.riotId().isEmpty()); // cleared before the backend answers
         waitIdle();
         const auto links = m_backend->requestsTo("/api/riot-accounts");
-        const auto posts = std::count_if(links.begin(), links.end(), [](const RecordedRequest& r) { return r.method == "POST"; });
+        const auto posts =
+            std::count_if(links.begin(), links.end(), [](const RecordedRequest& r) { return r.method == "POST"; });
         if (sent.isEmpty()) {
             QCOMPARE(posts, 0);
             QCOMPARE(form.riotId(), typed);

@@ -45,8 +45,15 @@ QJsonObject participant(qint64 id, qint64 matchId, const QString& puuid, const Q
 }
 
 QJsonObject snapshot(qint64 id, qint64 accountId, const QString& queue, const QString& tier, qint64 lp) {
-    return {{"id", id},   {"riot_account_id", accountId}, {"queue", queue}, {"tier", tier},
-            {"division", "II"}, {"lp", lp}, {"wins", 40}, {"losses", 38}, {"captured_at", "2025-03-02T10:00:00Z"}};
+    return {{"id", id},
+            {"riot_account_id", accountId},
+            {"queue", queue},
+            {"tier", tier},
+            {"division", "II"},
+            {"lp", lp},
+            {"wins", 40},
+            {"losses", 38},
+            {"captured_at", "2025-03-02T10:00:00Z"}};
 }
 
 QJsonObject score(qint64 id, qint64 accountId, qint64 matchId, double value) {
@@ -81,9 +88,9 @@ QJsonObject auth(const QString& token) {
 }
 
 QJsonObject riotAccount(qint64 id, const QString& puuid, const QString& name, const QString& tag) {
-    return {{"id", id},         {"puuid", puuid},   {"game_name", name},         {"tag_line", tag},
-            {"platform", "euw1"}, {"region", "europe"}, {"is_owner", true}, {"profile_icon_id", 4568},
-            {"summoner_level", 311}};
+    return {{"id", id},         {"puuid", puuid},          {"game_name", name},
+            {"tag_line", tag},  {"platform", "euw1"},      {"region", "europe"},
+            {"is_owner", true}, {"profile_icon_id", 4568}, {"summoner_level", 311}};
 }
 
 QJsonObject riotAccounts(const QJsonArray& accounts) {

@@ -13,9 +13,9 @@
 // One request as a fake server received it.
 struct RecordedRequest {
     QByteArray method;
-    QString path;          // decoded path, e.g. "/api/sync"
-    QByteArray rawPath;    // path as sent on the wire
-    QByteArray rawQuery;   // query as sent on the wire, without "?"
+    QString path;        // decoded path, e.g. "/api/sync"
+    QByteArray rawPath;  // path as sent on the wire
+    QByteArray rawQuery; // query as sent on the wire, without "?"
     bool hasQuery = false;
     QHash<QByteArray, QByteArray> headers; // keys in lower case
     QByteArray body;

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "session/app_state.h"
 #include "archive/archive_store.h"
+#include "session/app_state.h"
 #include "support/archive_json.h"
 #include "support/fake_backend.h"
 #include "support/task_result.h"
@@ -53,7 +53,8 @@ struct ScreenFixture {
     // A game of the user: the match and the user's own row, newest games get later dates.
     void addOwnGame(qint64 id, bool win, qint64 queueId = 420, const QString& champion = QStringLiteral("Ahri"),
                     const QString& gameMode = QStringLiteral("CLASSIC")) {
-        QJsonObject match = ArchiveJson::match(id, queueId, QStringLiteral("2025-03-%1T18:00:00Z").arg(id % 28 + 1, 2, 10, QLatin1Char('0')));
+        QJsonObject match = ArchiveJson::match(
+            id, queueId, QStringLiteral("2025-03-%1T18:00:00Z").arg(id % 28 + 1, 2, 10, QLatin1Char('0')));
         match["game_mode"] = gameMode;
         addMatch(match);
         addParticipant(ArchiveJson::participant(id * 100, id, QStringLiteral("me"), champion, win));

@@ -2,8 +2,8 @@
 
 #include "backend/backend_error.h"
 
-#include <QEventLoop>
 #include <QCoro/QCoroTask>
+#include <QEventLoop>
 #include <exception>
 #include <optional>
 #include <type_traits>

@@ -12,7 +12,9 @@ struct TestSettings {
     std::unique_ptr<QSettings> settings =
         std::make_unique<QSettings>(dir.filePath(QStringLiteral("settings.ini")), QSettings::IniFormat);
 
-    TestSettings() { settings->setValue(QStringLiteral("quill.cdnBaseURL"), QStringLiteral("http://127.0.0.1:9/cdn/")); }
+    TestSettings() {
+        settings->setValue(QStringLiteral("quill.cdnBaseURL"), QStringLiteral("http://127.0.0.1:9/cdn/"));
+    }
 
     QSettings& operator*() { return *settings; }
     QSettings* operator->() { return settings.get(); }

@@ -2,8 +2,8 @@
 #include "theme/symbols.h"
 #include "theme/theme.h"
 
-#include <QGuiApplication>
 #include <QFontDatabase>
+#include <QGuiApplication>
 #include <QRawFont>
 #include <QSet>
 #include <QTest>
@@ -106,9 +106,12 @@ private Q_SLOTS:
     void initials_data() {
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("initials");
-        QTest::newRow("two words") << "Lee Sin" << "LE";
-        QTest::newRow("empty") << "" << "";
-        QTest::newRow("accent kept with its letter") << QString::fromUtf8("e\u0301clair") << QString::fromUtf8("E\u0301C");
+        QTest::newRow("two words") << "Lee Sin"
+                                   << "LE";
+        QTest::newRow("empty") << ""
+                               << "";
+        QTest::newRow("accent kept with its letter")
+            << QString::fromUtf8("e\u0301clair") << QString::fromUtf8("E\u0301C");
         QTest::newRow("beyond the BMP") << QString::fromUtf8("🐉dragon") << QString::fromUtf8("🐉D");
     }
     void initials() {
@@ -131,7 +134,8 @@ private Q_SLOTS:
     void kdaLineShowsDeathsInRed() {
         const QString line = Theme::kdaLine(3, 1, 7);
         QVERIFY2(line.startsWith("3 ") && line.endsWith(" 7"), qPrintable(line));
-        QVERIFY2(line.contains(QStringLiteral("<font color='%1'>1</font>").arg(Theme::loss().name())), qPrintable(line));
+        QVERIFY2(line.contains(QStringLiteral("<font color='%1'>1</font>").arg(Theme::loss().name())),
+                 qPrintable(line));
         QCOMPARE(line.count(QStringLiteral(">/</font>")), 2);
     }
 
