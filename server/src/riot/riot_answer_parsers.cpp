@@ -10,6 +10,15 @@ namespace qf {
 
 namespace {
 
+// The items of an array element (checked to be one), held by value: the array must outlive the
+// simdjson_result it comes in.
+simdjson::dom::array arrayOf(json::Element element) {
+    simdjson::dom::array items;
+    if (element.get_array().get(items) != simdjson::SUCCESS)
+        return {};
+    return items;
+}
+
 // Parses and hands the root to read(); nullopt when the text does not parse.
 template <class Read> auto withRoot(std::string_view json, Read read) -> decltype(read(json::Element())) {
     try {
@@ -25,7 +34,7 @@ template <class T, class ReadOne> std::optional<std::vector<T>> readArray(std::s
         if (!json::isArray(root))
             return std::nullopt;
         std::vector<T> out;
-        for (const json::Element item : root.get_array().value_unsafe())
+        for (const json::Element item : arrayOf(root))
             if (json::isObject(item))
                 out.push_back(readOne(item));
         return out;
@@ -104,7 +113,7 @@ std::optional<std::vector<std::string>> parseMatchIds(std::string_view text) {
         if (!json::isArray(root))
             return std::nullopt;
         std::vector<std::string> ids;
-        for (const json::Element item : root.get_array().value_unsafe())
+        for (const json::Element item : arrayOf(root))
             if (const auto id = json::optText(item); id && !id->empty())
                 ids.emplace_back(*id);
         return ids;
@@ -117,7 +126,7 @@ std::optional<std::string> newestDataVersion(std::string_view text) {
             return std::nullopt;
         std::optional<std::string> newest;
         std::vector<uint64_t> newestNumbers;
-        for (const json::Element item : root.get_array().value_unsafe()) {
+        for (const json::Element item : arrayOf(root)) {
             const auto version = json::optText(item);
             if (!version)
                 continue;

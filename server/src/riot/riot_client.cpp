@@ -114,12 +114,15 @@ RiotResult<std::vector<ChampionMasteryDto>> RiotClient::topMasteriesByPuuid(std:
     if (!host)
         return refused<std::vector<ChampionMasteryDto>>(unknownPlatform(platform));
     count = std::max(count, 1);
-    return parsed<std::vector<ChampionMasteryDto>>(
+    auto result = parsed<std::vector<ChampionMasteryDto>>(
         fetch(*host, "/lol/champion-mastery/v4/champion-masteries/by-puuid/{encryptedPUUID}/top",
               "/lol/champion-mastery/v4/champion-masteries/by-puuid/" + percentEncodeSegment(puuid) +
                   "/top?count=" + std::to_string(count),
               priority),
         parseChampionMasteries, "champion masteries");
+    if (result.value.size() > size_t(count))
+        result.value.resize(size_t(count));
+    return result;
 }
 
 RiotResult<std::vector<std::string>> RiotClient::matchIdsByPuuid(std::string_view puuid, std::string_view platform,
