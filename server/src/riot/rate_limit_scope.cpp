@@ -10,20 +10,21 @@ RateLimitScope::Clock::duration RateLimitScope::slack(int windowSeconds) {
     return std::min<Clock::duration>(milliseconds(100), duration_cast<Clock::duration>(seconds(windowSeconds)) / 20);
 }
 
-RateLimitScope::Clock::time_point RateLimitScope::earliestSend(Clock::time_point now) const {
+RateLimitScope::Clock::time_point RateLimitScope::earliestSend(Clock::time_point now, bool background) const {
     Clock::time_point earliest = std::max(now, m_blockedUntil);
     for (const RateLimitWindow& window : m_limits) {
         if (window.count <= 0) {
             // Riot announcing zero requests: nothing can be sent until it says otherwise.
             return Clock::time_point::max();
         }
+        const int allowed = background ? std::max(1, window.count - reserved(window.count)) : window.count;
         const auto span = duration_cast<Clock::duration>(seconds(window.seconds)) + slack(window.seconds);
         const int inWindow = sentWithin(window.seconds, now);
-        if (inWindow < window.count)
+        if (inWindow < allowed)
             continue;
-        // The window has room again once the send that filled it (count-th from the newest)
+        // The window has room again once the send that filled it (allowed-th from the newest)
         // has slid out.
-        const Clock::time_point filling = m_sends[m_sends.size() - size_t(window.count)];
+        const Clock::time_point filling = m_sends[m_sends.size() - size_t(allowed)];
         earliest = std::max(earliest, filling + span);
     }
     return earliest;

@@ -13,6 +13,11 @@
 // moment it sends: a request is only let through when every window, slid back from the send
 // time, still has room, which keeps it under any fixed window the server may have started. A
 // little slack (a twentieth of the window, at most 100 ms) covers the time a request travels.
+//
+// Background work leaves a fiftieth of every window unused (at least one request): a backfill
+// would otherwise fill a personal key's two-minute window in seconds, and a user's look-up
+// arriving then would wait out the rest of it. A look-up, a link or a timeline needs at most
+// two requests of one host, which that share covers at a personal key's limits.
 
 namespace qf {
 
@@ -23,8 +28,8 @@ public:
     explicit RateLimitScope(std::vector<RateLimitWindow> limits = {}) : m_limits(std::move(limits)) {}
 
     // The earliest moment one more request fits every window and is past any block (now when it
-    // fits already).
-    [[nodiscard]] Clock::time_point earliestSend(Clock::time_point now) const;
+    // fits already). Background requests do not count on the reserved share.
+    [[nodiscard]] Clock::time_point earliestSend(Clock::time_point now, bool background = false) const;
     void recordSend(Clock::time_point now);
 
     // What an answer announced. New limits replace the old ones (the log of sends stays). When
@@ -40,6 +45,8 @@ public:
     [[nodiscard]] int sentWithin(int seconds, Clock::time_point now) const;
 
     [[nodiscard]] static Clock::duration slack(int windowSeconds);
+    // Requests of a window of `count` that background work leaves to requests a user waits on.
+    [[nodiscard]] static int reserved(int count) { return (count + 49) / 50; }
 
 private:
     void forgetBefore(Clock::time_point now);

@@ -50,7 +50,9 @@ bool RateLimiter::acquire(const std::string& method, RiotPriority priority, Cloc
     while (true) {
         const Clock::time_point now = Clock::now();
         if (isNext(ticket)) {
-            const Clock::time_point sendAt = std::max(m_application.earliestSend(now), own.earliestSend(now));
+            const bool background = priority == RiotPriority::Background;
+            const Clock::time_point sendAt =
+                std::max(m_application.earliestSend(now, background), own.earliestSend(now, background));
             if (sendAt <= now) {
                 m_application.recordSend(now);
                 own.recordSend(now);

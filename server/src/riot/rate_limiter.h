@@ -19,7 +19,8 @@
 // sent.
 //
 // Requests a user waits on (a link, a look-up, a timeline) go ahead of background work
-// (backfill) waiting on the same limiter; within a priority, first come first served. Only the
+// (backfill) waiting on the same limiter, and background work leaves them a small share of
+// every window (RateLimitScope); within a priority, first come first served. Only the
 // first waiter in that order is let through, so a method whose own limit is exhausted holds
 // the others back for a moment; Riot's method limits are far above the application's, so this
 // is rare and short.

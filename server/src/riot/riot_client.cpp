@@ -6,10 +6,19 @@
 #include "text/riot_id.h"
 
 #include <algorithm>
+#include <initializer_list>
 
 namespace qf {
 
 namespace {
+
+// Pieces joined by appending (GCC 12 warns falsely about "literal" + std::string).
+std::string sentence(std::initializer_list<std::string_view> pieces) {
+    std::string out;
+    for (const std::string_view piece : pieces)
+        out.append(piece);
+    return out;
+}
 
 template <class T> RiotResult<T> refused(std::string text) {
     return RiotResult<T>{RiotOutcome::Refused, T{}, 400, std::move(text)};
@@ -18,7 +27,7 @@ template <class T> RiotResult<T> refused(std::string text) {
 // A 2xx answer the reader could not make sense of is the API failing, not the player missing.
 template <class T> RiotResult<T> unreadable(const RiotResult<std::string>& answer, std::string_view what) {
     return RiotResult<T>{RiotOutcome::Unavailable, T{}, answer.status,
-                         "The Riot API sent " + std::string(what) + " this server cannot read."};
+                         sentence({"The Riot API sent ", what, " this server cannot read."})};
 }
 
 template <class T, class Parse>
@@ -41,7 +50,7 @@ std::optional<std::string> accountRegionOf(std::string_view platform) {
 }
 
 std::string unknownPlatform(std::string_view platform) {
-    return "\"" + std::string(platform.substr(0, 16)) + "\" is not a Riot platform.";
+    return sentence({"\"", platform.substr(0, 16), "\" is not a Riot platform."});
 }
 
 } // namespace
@@ -143,7 +152,7 @@ RiotResult<std::vector<std::string>> RiotClient::matchIdsByPuuid(std::string_vie
 RiotResult<std::string> RiotClient::matchJson(std::string_view matchId, RiotPriority priority) const {
     const auto region = regionOfMatch(matchId);
     if (!region)
-        return refused<std::string>("\"" + std::string(matchId.substr(0, 40)) + "\" is not a Riot match id.");
+        return refused<std::string>(sentence({"\"", matchId.substr(0, 40), "\" is not a Riot match id."}));
     return fetch(*region, "/lol/match/v5/matches/{matchId}", "/lol/match/v5/matches/" + percentEncodeSegment(matchId),
                  priority);
 }
@@ -151,11 +160,11 @@ RiotResult<std::string> RiotClient::matchJson(std::string_view matchId, RiotPrio
 RiotResult<std::string> RiotClient::timelineJson(std::string_view matchId, RiotPriority priority) const {
     const auto region = regionOfMatch(matchId);
     if (!region)
-        return refused<std::string>("\"" + std::string(matchId.substr(0, 40)) + "\" is not a Riot match id.");
+        return refused<std::string>(sentence({"\"", matchId.substr(0, 40), "\" is not a Riot match id."}));
     auto result = fetch(*region, "/lol/match/v5/matches/{matchId}/timeline",
                         "/lol/match/v5/matches/" + percentEncodeSegment(matchId) + "/timeline", priority);
     if (result.outcome == RiotOutcome::NotFound)
-        result.text = "The Riot API has no timeline for " + std::string(matchId) + ".";
+        result.text = sentence({"The Riot API has no timeline for ", matchId, "."});
     return result;
 }
 

@@ -24,6 +24,10 @@ std::string statusText(int status, const std::string& body) {
     return "status " + std::to_string(status) + (message.empty() ? std::string() : ": " + message);
 }
 
+RiotResult<std::string> failure(RiotOutcome outcome, int status, std::string text) {
+    return {outcome, {}, status, std::move(text)};
+}
+
 // Whole seconds, rounded up, for a sentence.
 long long secondsUp(Clock::duration wait) {
     return (duration_cast<milliseconds>(wait).count() + 999) / 1000;
@@ -53,22 +57,15 @@ RiotResult<std::string> RiotRequestRunner::get(const RiotCall& call) const {
 
     int failures = 0;
     int rateLimited = 0;
-    RiotResult<std::string> result;
     while (true) {
-        if (!limiter->acquire(call.method, call.priority, maxWait)) {
-            result = {RiotOutcome::Unavailable,
-                      {},
-                      0,
-                      "The Riot API's rate limit for this server is used up for now; try again in a minute."};
-            return result;
-        }
+        if (!limiter->acquire(call.method, call.priority, maxWait))
+            return failure(RiotOutcome::Unavailable, 0,
+                           "The Riot API's rate limit for this server is used up for now; try again in a minute.");
         const TransportAnswer answer = m_transport->get(url, headers);
         if (!answer.reached) {
             if (++failures > m_config.serverErrorRetries)
-                return {RiotOutcome::Unavailable,
-                        {},
-                        0,
-                        withoutKey("The Riot API could not be reached: " + answer.error + ".")};
+                return failure(RiotOutcome::Unavailable, 0,
+                               withoutKey("The Riot API could not be reached: " + answer.error + "."));
             std::this_thread::sleep_for(m_config.retryBackoff * (1 << std::min(failures - 1, 16)));
             continue;
         }
@@ -83,49 +80,40 @@ RiotResult<std::string> RiotRequestRunner::get(const RiotCall& call) const {
             const Clock::duration wait =
                 retryAfter ? Clock::duration(*retryAfter)
                            : Clock::duration(m_config.retryBackoff * (1 << std::min(rateLimited, 16)));
-            if (++rateLimited > m_config.rateLimitRetries || wait > maxWait)
-                return {RiotOutcome::Unavailable,
-                        {},
-                        status,
-                        "The Riot API asks this server to slow down; try again in " + std::to_string(secondsUp(wait)) +
-                            " s."};
             const Clock::time_point until = Clock::now() + wait;
             const std::string_view type = answer.header("x-rate-limit-type");
-            // A limit of the key (application, method) stops every request under it; a 429 of
-            // the service behind the API (no type, or "service") concerns only this request.
+            // A limit of the key (application, method) stops every request under it, whether or
+            // not this one goes on waiting; a 429 of the service behind the API (no type, or
+            // "service") concerns only this request.
             if (type == "application")
                 limiter->blockApplication(until);
             else if (type == "method")
                 limiter->blockMethod(call.method, until);
-            else
+            if (++rateLimited > m_config.rateLimitRetries || wait > maxWait)
+                return failure(RiotOutcome::Unavailable, status,
+                               "The Riot API asks this server to slow down; try again in " +
+                                   std::to_string(secondsUp(wait)) + " s.");
+            if (type != "application" && type != "method")
                 std::this_thread::sleep_until(until);
             continue;
         }
         if (status >= 500) {
             if (++failures > m_config.serverErrorRetries)
-                return {RiotOutcome::Unavailable,
-                        {},
-                        status,
-                        withoutKey("The Riot API is failing (" + statusText(status, answer.body) + ") after " +
-                                   std::to_string(failures) + " tries; try again later.")};
+                return failure(RiotOutcome::Unavailable, status,
+                               withoutKey("The Riot API is failing (" + statusText(status, answer.body) + ") after " +
+                                          std::to_string(failures) + " tries; try again later."));
             std::this_thread::sleep_for(m_config.retryBackoff * (1 << std::min(failures - 1, 16)));
             continue;
         }
         if (status == 404)
-            return {RiotOutcome::NotFound,
-                    {},
-                    status,
-                    withoutKey("The Riot API found nothing (" + statusText(status, answer.body) + ").")};
+            return failure(RiotOutcome::NotFound, status,
+                           withoutKey("The Riot API found nothing (" + statusText(status, answer.body) + ")."));
         if (status == 401 || status == 403)
-            return {RiotOutcome::Refused,
-                    {},
-                    status,
-                    "The Riot API refused this server's API key (status " + std::to_string(status) +
-                        "); it may have expired or been revoked."};
-        return {RiotOutcome::Refused,
-                {},
-                status,
-                withoutKey("The Riot API refused the request (" + statusText(status, answer.body) + ").")};
+            return failure(RiotOutcome::Refused, status,
+                           "The Riot API refused this server's API key (status " + std::to_string(status) +
+                               "); it may have expired or been revoked.");
+        return failure(RiotOutcome::Refused, status,
+                       withoutKey("The Riot API refused the request (" + statusText(status, answer.body) + ")."));
     }
 }
 
@@ -141,10 +129,11 @@ RiotResult<std::string> RiotRequestRunner::getPublic(const std::string& url) con
             continue;
         }
         if (!answer.reached)
-            return {RiotOutcome::Unavailable, {}, 0, "The Data Dragon CDN could not be reached: " + answer.error + "."};
+            return failure(RiotOutcome::Unavailable, 0,
+                           "The Data Dragon CDN could not be reached: " + answer.error + ".");
         const std::string text = "The Data Dragon CDN answered status " + std::to_string(answer.status) + ".";
         if (retry)
-            return {RiotOutcome::Unavailable, {}, answer.status, text};
+            return failure(RiotOutcome::Unavailable, answer.status, text);
         return {answer.status == 404 ? RiotOutcome::NotFound : RiotOutcome::Refused, {}, answer.status, text};
     }
 }

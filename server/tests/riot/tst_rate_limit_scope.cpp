@@ -100,6 +100,21 @@ private Q_SLOTS:
         QCOMPARE(scope.earliestSend(t0 + 4s), t0 + 4s);
     }
 
+    void backgroundLeavesAShareToTheUser() {
+        RateLimitScope scope({{20, 1}, {100, 120}});
+        for (int second = 0; second < 7; ++second)
+            sendMany(scope, 14, t0 + std::chrono::seconds(second));
+        const Clock::time_point now = t0 + 8s;
+        QCOMPARE(scope.sentWithin(120, now), 98);
+        QCOMPARE(scope.earliestSend(now, true), t0 + 120s + RateLimitScope::slack(120));
+        QCOMPARE(scope.earliestSend(now, false), now);
+        sendMany(scope, 2, now);
+        QVERIFY(scope.earliestSend(now, false) > now);
+        // A window of one request is not closed to background work.
+        RateLimitScope single({{1, 1}});
+        QCOMPARE(single.earliestSend(t0, true), t0);
+    }
+
     void noLimitsKnownLetsEverythingThrough() {
         RateLimitScope scope;
         sendMany(scope, 1000, t0);

@@ -253,6 +253,29 @@ private Q_SLOTS:
                  qPrintable(QString::number(secondsBetween(log[0].at, log[1].at))));
     }
 
+    // A user is not kept waiting for a long Retry-After: told when to try again, while the
+    // key's requests to that host stay held back for the whole of it.
+    void longRetryAfterTurnsTheUserAway() {
+        REQUIRE_FIXTURES();
+        FakeRiotApi fake(kFixtures);
+        RiotApiConfig config = configFor(fake.baseUrl());
+        config.foregroundMaxWait = 1000ms;
+        const RiotClient client(config);
+        fake.inject(429, 1, 30, "application");
+        QElapsedTimer timer;
+        timer.start();
+        const auto first = client.accountByRiotId("SSG Xayah#NA1", "na1");
+        QCOMPARE(first.outcome, RiotOutcome::Unavailable);
+        QCOMPARE(first.status, 429);
+        QVERIFY2(first.text.find("try again in 30 s") != std::string::npos, first.text.c_str());
+        const auto second = client.accountByPuuid(FakeRiotApi::fixtureAccountPuuid(), "na1");
+        QCOMPARE(second.outcome, RiotOutcome::Unavailable);
+        QVERIFY(timer.elapsed() < 1000);
+        QCOMPARE(fake.requestCount(), 1);
+        // Another host has limits of its own.
+        QVERIFY(client.summonerByPuuid(FakeRiotApi::fixtureAccountPuuid(), "na1").ok());
+    }
+
     // A 429 naming the application's limit holds back every request of the key on that host,
     // not only the one refused.
     void applicationBlockHoldsOtherRequests() {
@@ -298,39 +321,79 @@ private Q_SLOTS:
         QCOMPARE(fake.requestCount(), 3 + 3);
     }
 
-    // A user's look-up while a long backfill waits on the same limiter is let through at the
-    // next free place, not after the backfill.
+    // A user's look-up while a long backfill waits on the same limiter (32 threads, each with
+    // a request queued) is let through at the next free place, not behind the queue.
     void foregroundGoesAheadOfBackfill() {
         REQUIRE_FIXTURES();
         FakeRiotApi fake(kFixtures, {{20, 1}, {40, 2}});
-        fake.setMatchHistory("p", 160);
+        fake.setMatchHistory("p", 200);
         const RiotClient client(configFor(fake.baseUrl()));
         std::atomic<int> done{0};
         std::vector<std::thread> backfill;
-        for (int w = 0; w < 4; ++w)
+        for (int w = 0; w < 32; ++w)
             backfill.emplace_back([&, w] {
-                for (int i = w; i < 160; i += 4) {
+                for (int i = w; i < 200; i += 32) {
                     (void)client.matchJson("EUW1_" + std::to_string(7000000000LL - i), RiotPriority::Background);
                     ++done;
                 }
             });
         while (done < 60)
             std::this_thread::sleep_for(10ms);
-        const int doneBefore = done;
+
+        const auto issued = std::chrono::steady_clock::now();
+        const auto account = client.accountByRiotId("SSG Xayah#NA1", "euw1");
+        const double waited = secondsBetween(issued, std::chrono::steady_clock::now());
+        for (auto& thread : backfill)
+            thread.join();
+
+        QVERIFY2(account.ok(), account.text.c_str());
+        QVERIFY2(waited < 3.0, qPrintable(QString::number(waited)));
+        // Only backfill requests already let through when the look-up was asked for (a moment's
+        // worth) reached the fake between the two.
+        int overtaken = 0;
+        for (const auto& entry : fake.log()) {
+            if (entry.path.find("by-riot-id") != std::string::npos)
+                break;
+            overtaken += entry.at > issued;
+        }
+        QVERIFY2(overtaken <= 4, qPrintable(QString::number(overtaken)));
+        QCOMPARE(fake.limitRefusals(), 0);
+    }
+
+    // A backfill that has used its share of a long window stalls until it slides; a look-up
+    // and a timeline asked for then still go at once, in the share it leaves free.
+    void userFindsRoomInAWindowTheBackfillFilled() {
+        REQUIRE_FIXTURES();
+        FakeRiotApi fake(kFixtures, {{20, 1}, {100, 10}});
+        fake.setMatchHistory("p", 110);
+        const RiotClient client(configFor(fake.baseUrl()));
+        std::atomic<int> done{0};
+        std::vector<std::thread> backfill;
+        for (int w = 0; w < 4; ++w)
+            backfill.emplace_back([&, w] {
+                for (int i = w; i < 110; i += 4) {
+                    (void)client.matchJson("EUW1_" + std::to_string(7000000000LL - i), RiotPriority::Background);
+                    ++done;
+                }
+            });
+        while (done < 98)
+            std::this_thread::sleep_for(10ms);
+        std::this_thread::sleep_for(200ms);
 
         QElapsedTimer waited;
         waited.start();
         const auto account = client.accountByRiotId("SSG Xayah#NA1", "euw1");
+        const auto timeline = client.timelineJson("EUW1_7000000000");
         const qint64 milliseconds = waited.elapsed();
         const int doneThen = done;
         for (auto& thread : backfill)
             thread.join();
 
-        QVERIFY2(account.ok(), account.text.c_str());
-        QVERIFY2(milliseconds < 3000, qPrintable(QString::number(milliseconds)));
-        // Only the backfill's requests already on their way (one per thread) went before it.
-        QVERIFY2(doneThen - doneBefore <= 4, qPrintable(QString::number(doneThen - doneBefore)));
+        QVERIFY(account.ok() && timeline.ok());
+        QCOMPARE(doneThen, 98); // the backfill was stalled all along
+        QVERIFY2(milliseconds < 1500, qPrintable(QString::number(milliseconds)));
         QCOMPARE(fake.limitRefusals(), 0);
+        QCOMPARE(fake.requestCount(), 112);
     }
 };
 
