@@ -100,10 +100,11 @@ int main(int argc, char** argv) {
 
         const int requests = fake.requestCount();
         const double allowed = earliestLastSend(limits, requests);
-        std::printf("limits: 20 per 1 s and 100 per %d s%s\n", longWindow,
-                    unlimited           ? " (ignored: --unlimited)"
-                    : longWindow == 120 ? " (a personal key's)"
-                                        : " (a personal key's, long window scaled)");
+        if (unlimited)
+            std::printf("limits: 1,000,000 per 1 s (none that bind)\n");
+        else
+            std::printf("limits: 20 per 1 s and 100 per %d s (a personal key's%s)\n", longWindow,
+                        longWindow == 120 ? "" : ", long window scaled");
         std::printf("requests: %d (%d pages of ids, %zu games, %.1f MB), failed %d, refused with 429 by the fake %d\n",
                     requests, idPages, ids.size(), double(bytes) / 1e6, failed.load(), fake.limitRefusals());
         std::printf("time: %.2f s; the limits allow the last request at %.2f s at the earliest\n", elapsed, allowed);
