@@ -23,9 +23,12 @@
 #include <QQuickItem>
 #include <QQuickStyle>
 #include <QQuickWindow>
+#include <QRandomGenerator>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QtQml/QQmlExtensionPlugin>
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <functional>
 
@@ -35,6 +38,11 @@ Q_IMPORT_QML_PLUGIN(QuillFern_SessionPlugin)
 Q_IMPORT_QML_PLUGIN(QuillFern_ScreensPlugin)
 
 namespace {
+
+// Ranks for the first few friends, as the backend would know them.
+const char* const friendRanks[] = {"GOLD II", "PLATINUM IV", nullptr, "SILVER I", "EMERALD III"};
+
+QJsonArray friendGamesJson(const SyntheticArchive& archive, const QString& friendPuuid);
 
 // The friends as the backend's duo statistics give them: the games each played on the owner's team.
 QJsonArray duosJson(const SyntheticArchive& archive) {
@@ -57,14 +65,270 @@ QJsonArray duosJson(const SyntheticArchive& archive) {
         const auto [games, wins] = together.value(puuids[i]);
         if (games == 0)
             continue;
-        duos.append(QJsonObject{{"puuid", puuids[i]},
-                                {"riot_id", archive.friendRiotIds().value(i)},
-                                {"games", games},
-                                {"wins", wins},
-                                {"losses", games - wins},
-                                {"winrate", double(wins) / double(games)}});
+        QJsonObject duo{{"puuid", puuids[i]},     {"riot_id", archive.friendRiotIds().value(i)},
+                        {"games", games},         {"wins", wins},
+                        {"losses", games - wins}, {"winrate", double(wins) / double(games)}};
+        if (i < qsizetype(std::size(friendRanks)) && friendRanks[i])
+            duo.insert("rank", friendRanks[i]);
+        const QJsonArray together = friendGamesJson(archive, puuids[i]);
+        if (!together.isEmpty())
+            duo.insert("last_played", together.first().toObject().value("played_at"));
+        duos.append(duo);
     }
     return duos;
+}
+
+// The backend's record of the games the owner played on the same team as one player, newest
+// first; seasons by their number (2025 is season 15).
+QJsonArray friendGamesJson(const SyntheticArchive& archive, const QString& friendPuuid) {
+    const QSet<QString> owners = archive.ownerPuuids();
+    QHash<qint64, const ParticipantDto*> owner;
+    QHash<qint64, const ParticipantDto*> friendRow;
+    for (const ParticipantDto& p : archive.participants()) {
+        if (owners.contains(p.puuid))
+            owner.insert(p.matchId, &p);
+        else if (p.puuid == friendPuuid)
+            friendRow.insert(p.matchId, &p);
+    }
+    QJsonArray games;
+    const QList<MatchDto>& matches = archive.matches();
+    for (auto m = matches.crbegin(); m != matches.crend(); ++m) {
+        const ParticipantDto* me = owner.value(m->id);
+        const ParticipantDto* other = friendRow.value(m->id);
+        if (!me || !other || me->teamId != other->teamId)
+            continue;
+        QJsonObject game{{"match_id", m->id},
+                         {"queue_id", m->queueId},
+                         {"win", me->win},
+                         {"owner_champion", me->championName},
+                         {"friend_champion", other->championName}};
+        if (m->season)
+            game.insert("season", *m->season - 2010);
+        if (m->gameMode)
+            game.insert("game_mode", *m->gameMode);
+        if (m->gameCreation)
+            game.insert("played_at", *m->gameCreation);
+        if (me->teamPosition)
+            game.insert("owner_position", *me->teamPosition);
+        games.append(game);
+    }
+    return games;
+}
+
+QJsonObject friendRecordJson(const SyntheticArchive& archive, const QString& friendPuuid, const QString& riotId) {
+    const QJsonArray games = friendGamesJson(archive, friendPuuid);
+    int wins = 0;
+    for (const QJsonValue& game : games)
+        wins += game.toObject().value("win").toBool() ? 1 : 0;
+    const auto count = static_cast<int>(games.size());
+    const QStringList parts = riotId.split('#');
+    return {{"friend_puuid", friendPuuid},
+            {"friend_name", parts.value(0)},
+            {"friend_tag", parts.value(1)},
+            {"total", QJsonObject{{"games", count},
+                                  {"wins", wins},
+                                  {"losses", count - wins},
+                                  {"winrate", count > 0 ? double(wins) / count : 0.0}}},
+            {"games", games}};
+}
+
+// A player's public profile: ranks in both queues and mastery of the champions they play most.
+QJsonObject profileJson(const SyntheticArchive& archive, const QString& puuid, const QString& riotId) {
+    QHash<qint64, int> played;
+    for (const ParticipantDto& p : archive.participants())
+        if (p.puuid == puuid)
+            ++played[p.championId];
+    QList<std::pair<int, qint64>> order;
+    for (auto it = played.cbegin(); it != played.cend(); ++it)
+        order.append({it.value(), it.key()});
+    std::sort(order.begin(), order.end(), std::greater<>());
+    QJsonArray mastery;
+    for (qsizetype i = 0; i < std::min<qsizetype>(order.size(), 8); ++i)
+        mastery.append(QJsonObject{{"champion_id", order[i].second},
+                                   {"champion_level", std::max<qint64>(4, 10 - i)},
+                                   {"champion_points", 20000 * order[i].first}});
+    const QStringList parts = riotId.split('#');
+    return {{"account", QJsonObject{{"puuid", puuid}, {"game_name", parts.value(0)}, {"tag_line", parts.value(1)}}},
+            {"platform", "euw1"},
+            {"ranks", QJsonArray{QJsonObject{{"queue_type", "RANKED_SOLO_5x5"},
+                                             {"tier", "GOLD"},
+                                             {"rank", "I"},
+                                             {"league_points", 64},
+                                             {"wins", 58},
+                                             {"losses", 51}},
+                                 QJsonObject{{"queue_type", "RANKED_FLEX_SR"},
+                                             {"tier", "SILVER"},
+                                             {"rank", "II"},
+                                             {"league_points", 12},
+                                             {"wins", 9},
+                                             {"losses", 11}}}},
+            {"mastery", mastery}};
+}
+
+// The champion list the CDN would give, so that champions are named by their ids.
+QJsonObject championListJson(const SyntheticArchive& archive) {
+    QJsonObject data;
+    for (const ParticipantDto& p : archive.participants())
+        if (!data.contains(p.championName))
+            data.insert(p.championName, QJsonObject{{"id", p.championName}, {"key", QString::number(p.championId)}});
+    return {{"data", data}};
+}
+
+// A plausible timeline summary of one game, seen from the owner: the gold difference drifts
+// towards the winner, kills and objectives follow it, and the highlights are read off both.
+QJsonObject timelineJson(const SyntheticArchive& archive, const MatchDto& match) {
+    const QSet<QString> owners = archive.ownerPuuids();
+    const ParticipantDto* me = nullptr;
+    QStringList allies, enemies;
+    for (const ParticipantDto& p : archive.participants())
+        if (p.matchId == match.id && owners.contains(p.puuid))
+            me = &p;
+    if (!me)
+        return {};
+    for (const ParticipantDto& p : archive.participants())
+        if (p.matchId == match.id)
+            (p.teamId == me->teamId ? allies : enemies) << p.championName;
+    const int enemyTeam = me->teamId == 100 ? 200 : 100;
+
+    QRandomGenerator random(static_cast<quint32>(match.id * 7919));
+    const int minutes = static_cast<int>(match.gameDuration / 60);
+    const double sign = me->win ? 1.0 : -1.0;
+    QJsonArray frames;
+    std::vector<qint64> diffs;
+    double diff = 0;
+    for (int t = 0; t <= minutes; ++t) {
+        // Level early, then the winner pulls away with a few swings on the way.
+        const double pull = t < 8 ? 0 : sign * 260 * std::min(1.0, (t - 8) / 12.0);
+        diff += pull + (random.generateDouble() - 0.5) * 900 - (t > 8 && t < 15 ? sign * 180 : 0);
+        const auto d = static_cast<qint64>(std::lround(diff));
+        diffs.push_back(d);
+        const qint64 ownerTeamGold = 2500 + 1850 * t + d / 2;
+        frames.append(QJsonObject{{"t", t},
+                                  {"ownerTeamGold", ownerTeamGold},
+                                  {"enemyTeamGold", ownerTeamGold - d},
+                                  {"goldDiff", d},
+                                  {"ownerGold", 500 + 410 * t},
+                                  {"ownerCs", 8 * t - t / 3},
+                                  {"ownerXp", 280 * t + 10 * t * t},
+                                  {"ownerLevel", std::min(18, 1 + t * 2 / 3)}});
+    }
+
+    struct Happening {
+        qint64 t;
+        QJsonObject event;
+    };
+    std::vector<Happening> happenings;
+    const auto pick = [&](const QStringList& names) {
+        return names.isEmpty() ? QString() : names[static_cast<int>(random.bounded(names.size()))];
+    };
+    const auto side = [&](double chanceMine) { return random.generateDouble() < chanceMine; };
+    const double edge = me->win ? 0.62 : 0.38;
+    const int kills = 14 + static_cast<int>(random.bounded(16));
+    for (int i = 0; i < kills; ++i) {
+        const bool mine = side(edge);
+        const qint64 t = 150 + static_cast<qint64>(random.bounded(std::max(1, minutes * 60 - 200)));
+        happenings.push_back({t,
+                              {{"kind", "kill"},
+                               {"t", t},
+                               {"team", mine ? me->teamId : enemyTeam},
+                               {"mine", mine},
+                               {"killer", pick(mine ? allies : enemies)},
+                               {"victim", pick(mine ? enemies : allies)}}});
+    }
+    const char* const dragons[] = {"FIRE_DRAGON", "WATER_DRAGON", "HEXTECH_DRAGON", "CHEMTECH_DRAGON", "AIR_DRAGON"};
+    for (int minute = 6; minute < minutes - 1; minute += 6) {
+        const bool mine = side(edge);
+        happenings.push_back({minute * 60 + 20,
+                              {{"kind", "monster"},
+                               {"t", minute * 60 + 20},
+                               {"team", mine ? me->teamId : enemyTeam},
+                               {"mine", mine},
+                               {"monster", "DRAGON"},
+                               {"subtype", dragons[random.bounded(5)]}}});
+    }
+    if (minutes > 15) {
+        const bool mine = side(0.5);
+        happenings.push_back({14 * 60 + 5,
+                              {{"kind", "monster"},
+                               {"t", 14 * 60 + 5},
+                               {"team", mine ? me->teamId : enemyTeam},
+                               {"mine", mine},
+                               {"monster", "RIFTHERALD"}}});
+    }
+    if (minutes > 26)
+        happenings.push_back({25 * 60 + 40,
+                              {{"kind", "monster"},
+                               {"t", 25 * 60 + 40},
+                               {"team", me->win ? me->teamId : enemyTeam},
+                               {"mine", me->win},
+                               {"monster", "BARON_NASHOR"}}});
+    const char* const lanes[] = {"TOP_LANE", "MID_LANE", "BOT_LANE"};
+    for (int i = 0; i < 7 && minutes > 14; ++i) {
+        const bool mine = side(edge);
+        const qint64 t = 13 * 60 + i * (minutes - 14) * 60 / 7 + 30;
+        happenings.push_back({t,
+                              {{"kind", "building"},
+                               {"t", t},
+                               {"team", mine ? me->teamId : enemyTeam},
+                               {"mine", mine},
+                               {"building", "TOWER_BUILDING"},
+                               {"lane", lanes[random.bounded(3)]}}});
+    }
+    if (minutes > 20)
+        happenings.push_back({(minutes - 1) * 60,
+                              {{"kind", "building"},
+                               {"t", (minutes - 1) * 60},
+                               {"team", me->win ? me->teamId : enemyTeam},
+                               {"mine", me->win},
+                               {"building", "INHIBITOR_BUILDING"},
+                               {"lane", "BOT_LANE"}}});
+    std::sort(happenings.begin(), happenings.end(), [](const Happening& a, const Happening& b) { return a.t < b.t; });
+
+    QJsonArray events;
+    int objectives[4][2] = {}; // dragons, barons, heralds, towers; mine, enemy
+    QJsonObject firstBlood;
+    for (const Happening& h : happenings) {
+        events.append(h.event);
+        const int who = h.event.value("mine").toBool() ? 0 : 1;
+        const QString kind = h.event.value("kind").toString();
+        const QString monster = h.event.value("monster").toString();
+        if (kind == "kill" && firstBlood.isEmpty())
+            firstBlood = QJsonObject{{"t", h.t},
+                                     {"mine", h.event.value("mine")},
+                                     {"killer", h.event.value("killer")},
+                                     {"victim", h.event.value("victim")}};
+        if (monster == "DRAGON")
+            ++objectives[0][who];
+        else if (monster == "BARON_NASHOR")
+            ++objectives[1][who];
+        else if (monster == "RIFTHERALD")
+            ++objectives[2][who];
+        else if (h.event.value("building").toString() == "TOWER_BUILDING")
+            ++objectives[3][who];
+    }
+    const auto pair = [&](int i) { return QJsonObject{{"mine", objectives[i][0]}, {"enemy", objectives[i][1]}}; };
+    const auto at = [&](int minute) -> QJsonValue {
+        return minute < static_cast<int>(diffs.size()) ? QJsonValue(diffs[static_cast<std::size_t>(minute)])
+                                                       : QJsonValue(QJsonValue::Null);
+    };
+    QJsonObject stats{
+        {"goldDiffAt10", at(10)},
+        {"goldDiffAt14", at(14)},
+        {"maxGoldLead", std::max<qint64>(0, *std::max_element(diffs.begin(), diffs.end()))},
+        {"maxGoldDeficit", std::min<qint64>(0, *std::min_element(diffs.begin(), diffs.end()))},
+        {"objectives",
+         QJsonObject{{"dragons", pair(0)}, {"barons", pair(1)}, {"heralds", pair(2)}, {"towers", pair(3)}}}};
+    if (minutes >= 10)
+        stats.insert("ownerCsAt10", 8 * 10 - 10 / 3);
+    if (minutes >= 14)
+        stats.insert("ownerCsAt14", 8 * 14 - 14 / 3);
+    if (!firstBlood.isEmpty())
+        stats.insert("firstBlood", firstBlood);
+    return {{"ownerChampion", me->championName},
+            {"ownerTeam", me->teamId},
+            {"frames", frames},
+            {"events", events},
+            {"stats", stats}};
 }
 
 QJsonObject accountJson(const RiotAccountDto& a) {
@@ -136,6 +400,8 @@ struct Scene {
         backend.on("GET", "/api/stats/duos",
                    FakeResponse::json({{"duos", archive ? duosJson(*archive) : QJsonArray{}}}));
         backend.on("GET", "/api/static/version", FakeResponse::json({{"version", "16.11.1"}}));
+        if (archive)
+            serveSocialAnswers(*archive);
 
         store = std::make_unique<ArchiveStore>(dir.filePath("archive.sqlite"));
         if (archive)
@@ -163,11 +429,34 @@ struct Scene {
         state.reset();
     }
 
-    // The first object of the window's scene whose type name starts with the given name,
-    // searched through both visual and object children.
-    QObject* find(const char* typeName) const {
+    // What the social screens and the timeline ask the backend: a record for every friend, a
+    // profile for every friend's Riot ID, timelines of the newest games, and the champion list.
+    void serveSocialAnswers(const SyntheticArchive& archive) {
+        const QStringList puuids = archive.friendPuuids();
+        for (qsizetype i = 0; i < puuids.size(); ++i) {
+            const QString riotId = archive.friendRiotIds().value(i);
+            backend.on("GET", "/api/stats/friend/" + puuids[i],
+                       FakeResponse::json(friendRecordJson(archive, puuids[i], riotId)));
+            backend.on("GET", "/api/players/" + riotId + "/profile",
+                       FakeResponse::json(profileJson(archive, puuids[i], riotId)));
+        }
+        // Older games have none, as on a server that keeps only recent timelines.
+        const QList<MatchDto>& matches = archive.matches();
+        for (qsizetype i = 0; i < matches.size(); ++i)
+            backend.on("GET", "/api/matches/" + matches[i].matchId + "/timeline",
+                       i + 40 >= matches.size() ? FakeResponse::json(timelineJson(archive, matches[i]))
+                                                : FakeResponse::text(404, "This game has no timeline on this server."));
+        backend.on("GET", "/api/players/Nobody#404/profile",
+                   FakeResponse::text(404, "No player named Nobody#404 has been seen on this server."));
+        backend.on("GET", "/cdn/16.11.1/data/en_US/champion.json", FakeResponse::json(championListJson(archive)));
+    }
+
+    // Every object of the window's scene whose type name starts with the given name, searched
+    // through both visual and object children.
+    QList<QObject*> findAll(const char* typeName) const {
+        QList<QObject*> found;
         if (!window)
-            return nullptr;
+            return found;
         QList<QObject*> pending{window->contentItem()};
         QSet<QObject*> seen;
         while (!pending.isEmpty()) {
@@ -176,20 +465,24 @@ struct Scene {
                 continue;
             seen.insert(object);
             if (QString::fromLatin1(object->metaObject()->className()).startsWith(QLatin1String(typeName)))
-                return object;
+                found.append(object);
             pending.append(object->children());
             if (auto* item = qobject_cast<QQuickItem*>(object))
                 for (QQuickItem* child : item->childItems())
                     pending.append(child);
         }
-        return nullptr;
+        return found;
     }
+    QObject* find(const char* typeName) const { return findAll(typeName).value(0); }
 
     // Selects a section, as a click in the sidebar would.
     void select(int section) {
         if (QObject* main = find("MainView"))
             main->setProperty("selection", section);
         settle(300);
+        // Screens that fetch for themselves show their answers.
+        waitUntil([this] { return !state->hasRunningTasks(); });
+        settle(200);
     }
 
     void setFilter(HistoryModel::Filter filter) {
@@ -199,18 +492,75 @@ struct Scene {
     }
 
     // Opens the detail sheet of the newest game of the user, as a click on its row would.
-    void openNewestGame() {
+    void openNewestGame() { openGame(0); }
+
+    // Opens the detail sheet of the game on one row of the history, newest first; with a category
+    // chip given, of the row-th game of that category.
+    void openGame(int row, const QString& categoryChip = QString()) {
         QObject* main = find("MainView");
         QObject* history = find("HistoryModel");
         if (!main || !history)
             return;
         auto* rows = history->property("rows").value<QAbstractItemModel*>();
-        if (!rows || rows->rowCount() == 0)
+        if (!rows)
             return;
-        const QVariant id = rows->data(rows->index(0, 0), rows->roleNames().key("matchServerId"));
-        QMetaObject::invokeMethod(main, "openGame", Q_ARG(QVariant, id));
-        settle(500);
+        const int chipRole = rows->roleNames().key("categoryChip");
+        for (int i = 0, seen = 0; i < rows->rowCount(); ++i) {
+            if (!categoryChip.isEmpty() && rows->data(rows->index(i, 0), chipRole).toString() != categoryChip)
+                continue;
+            if (seen++ < row)
+                continue;
+            m_openGame = rows->data(rows->index(i, 0), rows->roleNames().key("matchServerId"));
+            QMetaObject::invokeMethod(main, "openGame", Q_ARG(QVariant, m_openGame));
+            settle(500);
+            return;
+        }
     }
+
+    // Presses the detail's "Timeline" button and waits for the timeline.
+    void openTimeline() {
+        if (QObject* main = find("MainView"))
+            QMetaObject::invokeMethod(main, "openTimeline", Q_ARG(QVariant, m_openGame));
+        settle(300);
+        waitUntil([this] { return !state->hasRunningTasks(); });
+        settle(300);
+    }
+
+    void closeSheets() {
+        // The sheets are found by their items, whose owner is the popup itself.
+        for (QObject* item : findAll("QQuickPopupItem"))
+            QMetaObject::invokeMethod(item->parent(), "close");
+        settle(400);
+    }
+
+    // Opens the record with the first frequent duo, as a click on its row would.
+    void openFirstDuo() {
+        QObject* friends = find("FriendsModel");
+        if (!friends)
+            return;
+        auto* duos = friends->property("duos").value<QAbstractItemModel*>();
+        if (!duos || duos->rowCount() == 0)
+            return;
+        const QModelIndex first = duos->index(0, 0);
+        QMetaObject::invokeMethod(friends, "lookupPuuid",
+                                  Q_ARG(QString, first.data(duos->roleNames().key("puuid")).toString()),
+                                  Q_ARG(QString, first.data(duos->roleNames().key("name")).toString()));
+        waitUntil([this] { return !state->hasRunningTasks(); });
+        settle(400);
+    }
+
+    // Types a Riot ID into the search field and presses "Search".
+    void searchFor(const QString& riotId) {
+        QObject* search = find("SearchModel");
+        if (!search)
+            return;
+        search->setProperty("riotId", riotId);
+        QMetaObject::invokeMethod(search, "search");
+        waitUntil([this] { return !state->hasRunningTasks(); });
+        settle(400);
+    }
+
+    QVariant m_openGame;
 
     // Types an e-mail and password into the sign-in form and presses its button.
     void signIn(const QString& email, const QString& password) {
@@ -304,6 +654,8 @@ int main(int argc, char* argv[]) {
         ok &= empty.shoot(out.filePath("champions-empty.png"));
         empty.select(3);
         ok &= empty.shoot(out.filePath("rank-empty.png"));
+        empty.select(4);
+        ok &= empty.shoot(out.filePath("friends-empty.png"));
     }
     {
         Scene full(&archive, true);
@@ -321,6 +673,33 @@ int main(int argc, char* argv[]) {
         full.setFilter(HistoryModel::Filter::All);
         full.openNewestGame();
         ok &= full.shoot(out.filePath("detail.png"));
+        full.closeSheets();
+
+        // The timeline of the newest ranked game, then of an older one the backend has none of.
+        full.openGame(0, QStringLiteral("RANKED"));
+        full.openTimeline();
+        ok &= full.shoot(out.filePath("timeline.png"));
+        full.closeSheets();
+        full.openGame(60);
+        full.openTimeline();
+        ok &= full.shoot(out.filePath("timeline-error.png"));
+        full.closeSheets();
+
+        full.select(4);
+        full.openFirstDuo();
+        ok &= full.shoot(out.filePath("friend-detail.png"));
+        // A proxy in front of a stopped backend answers with its own page.
+        full.backend.on("GET", "/api/stats/duos",
+                        FakeResponse::text(502, "<html><body><h1>502 Bad Gateway</h1></body></html>"));
+        full.select(0);
+        full.select(4);
+        ok &= full.shoot(out.filePath("friends-error.png"));
+
+        full.select(5);
+        full.searchFor(archive.friendRiotIds().value(0));
+        ok &= full.shoot(out.filePath("search-profile.png"));
+        full.searchFor(QStringLiteral("Nobody#404"));
+        ok &= full.shoot(out.filePath("search-error.png"));
     }
     return ok ? 0 : 1;
 }

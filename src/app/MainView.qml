@@ -17,6 +17,8 @@ Item {
         case NavSection.History: return historyView
         case NavSection.Champions: return championsView
         case NavSection.Rank: return rankView
+        case NavSection.Friends: return friendsView
+        case NavSection.Search: return searchView
         default: return null
         }
     }
@@ -109,6 +111,16 @@ Item {
     }
 
     Component {
+        id: friendsView
+        FriendsView { appState: AppState }
+    }
+
+    Component {
+        id: searchView
+        SearchView { appState: AppState }
+    }
+
+    Component {
         id: historyView
         HistoryView {
             appState: AppState
@@ -142,6 +154,43 @@ Item {
                 appState: AppState
                 matchServerId: sheet.matchServerId
                 onCloseRequested: sheet.close()
+                onTimelineRequested: root.openTimeline(sheet.matchServerId)
+            }
+        }
+    }
+
+    // The timeline of the game in the detail opens as a sheet over it.
+    function openTimeline(matchServerId) {
+        timelineSheet.matchServerId = matchServerId
+        timelineSheet.open()
+    }
+
+    Popup {
+        id: timelineSheet
+        property real matchServerId: 0
+        parent: Overlay.overlay
+        anchors.centerIn: parent
+        width: Math.min(860, root.width - 40)
+        height: Math.min(720, root.height - 40)
+        padding: 0
+        modal: true
+        dim: true
+        closePolicy: Popup.CloseOnEscape | Popup.CloseOnPressOutside
+        Overlay.modal: Rectangle { color: Qt.rgba(0, 0, 0, 0.45) }
+        background: Rectangle { radius: Theme.panelRadius; color: Theme.wallBottom; border.width: 1; border.color: Qt.rgba(1, 1, 1, 0.12) }
+        contentItem: Item {
+            clip: true
+            // Built when the sheet opens and dropped when it closes: the fetch goes with it.
+            Loader {
+                anchors.fill: parent
+                active: timelineSheet.visible
+                sourceComponent: Component {
+                    TimelineView {
+                        appState: AppState
+                        matchServerId: timelineSheet.matchServerId // qmllint disable unqualified
+                        onCloseRequested: timelineSheet.close() // qmllint disable unqualified
+                    }
+                }
             }
         }
     }

@@ -62,6 +62,10 @@ QCoro::Task<QByteArray> BackendClient::send(Call call) {
     std::unique_ptr<QNetworkReply, DeleteLater> reply(call.body || call.method != "GET"
                                                           ? m_network.sendCustomRequest(request, call.method, payload)
                                                           : m_network.get(request));
+    if (call.requester)
+        // Queued: the reply finishes, and its waiting task resumes, outside the requester's
+        // destructor. A reply that finished first is gone, and the queued abort with it.
+        QObject::connect(call.requester, &QObject::destroyed, reply.get(), &QNetworkReply::abort, Qt::QueuedConnection);
     co_await reply.get();
 
     const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
@@ -133,25 +137,27 @@ QCoro::Task<StaticVersionResponse> BackendClient::staticVersion() {
     return request<StaticVersionResponse>(Call{"GET", QStringLiteral("static/version"), {}, {}, false});
 }
 
-QCoro::Task<DuosResponse> BackendClient::duos() {
-    return request<DuosResponse>(Call{"GET", QStringLiteral("stats/duos"), {}, {}, true});
+QCoro::Task<DuosResponse> BackendClient::duos(const QObject* requester) {
+    return request<DuosResponse>(Call{"GET", QStringLiteral("stats/duos"), {}, {}, true, requester});
 }
 
-QCoro::Task<FriendStatsDto> BackendClient::friendStats(QString puuid) {
+QCoro::Task<FriendStatsDto> BackendClient::friendStats(QString puuid, const QObject* requester) {
     return request<FriendStatsDto>(
-        Call{"GET", QStringLiteral("stats/friend/") + BackendUrl::encodePathSegment(puuid), {}, {}, true});
+        Call{"GET", QStringLiteral("stats/friend/") + BackendUrl::encodePathSegment(puuid), {}, {}, true, requester});
 }
 
-QCoro::Task<PlayerProfileDto> BackendClient::playerProfile(QString riotId, QString platform) {
+QCoro::Task<PlayerProfileDto> BackendClient::playerProfile(QString riotId, QString platform, const QObject* requester) {
     return request<PlayerProfileDto>(
         Call{"GET",
              QStringLiteral("players/") + BackendUrl::encodePathSegment(riotId) + QStringLiteral("/profile"),
              {{QStringLiteral("platform"), platform}},
              {},
-             true});
+             true,
+             requester});
 }
 
-QCoro::Task<TimelineSummaryDto> BackendClient::matchTimeline(QString matchId) {
+QCoro::Task<TimelineSummaryDto> BackendClient::matchTimeline(QString matchId, const QObject* requester) {
+    // The match id is the caller's own stored text and goes into the path as it is, unencoded.
     return request<TimelineSummaryDto>(
-        Call{"GET", QStringLiteral("matches/") + matchId + QStringLiteral("/timeline"), {}, {}, true});
+        Call{"GET", QStringLiteral("matches/") + matchId + QStringLiteral("/timeline"), {}, {}, true, requester});
 }

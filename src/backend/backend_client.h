@@ -14,6 +14,7 @@
 #include <optional>
 
 class QNetworkAccessManager;
+class QObject;
 
 // The one way to the backend service. Every endpoint is a thin call of request(); every
 // failure arrives as a BackendError. Requests suspend on the calling (main) thread's loop.
@@ -39,13 +40,16 @@ public:
     QCoro::Task<IngestLocalResponse> ingestLocal(QJsonArray games);
     QCoro::Task<StaticVersionResponse> staticVersion();
 
-    // Social.
-    QCoro::Task<DuosResponse> duos();
-    QCoro::Task<FriendStatsDto> friendStats(QString puuid);
-    // riotId as the user typed it, sent whole as one path segment.
-    QCoro::Task<PlayerProfileDto> playerProfile(QString riotId, QString platform);
+    // Social. Screens fetch these for themselves: a request made for a requester is aborted once
+    // the requester is destroyed, so a screen that closes leaves nothing running (the task then
+    // ends with a transport error that nobody is left to show).
+    QCoro::Task<DuosResponse> duos(const QObject* requester = nullptr);
+    // puuid sent as one encoded path segment.
+    QCoro::Task<FriendStatsDto> friendStats(QString puuid, const QObject* requester = nullptr);
+    // riotId as the user typed it, sent whole as one encoded path segment.
+    QCoro::Task<PlayerProfileDto> playerProfile(QString riotId, QString platform, const QObject* requester = nullptr);
     // matchId: the game's Riot match id as stored ("EUW1_7123456789"), inserted as it is.
-    QCoro::Task<TimelineSummaryDto> matchTimeline(QString matchId);
+    QCoro::Task<TimelineSummaryDto> matchTimeline(QString matchId, const QObject* requester = nullptr);
 
 private:
     struct Call {
@@ -54,6 +58,7 @@ private:
         QueryItems query;
         std::optional<QJsonObject> body;
         bool authorized = false;
+        const QObject* requester = nullptr;
     };
 
     template <class Record> QCoro::Task<Record> request(Call call);

@@ -7,7 +7,13 @@
 #include <optional>
 
 // The backend's summary of one game's minute-by-minute timeline, seen from the player whose
-// archive it is. Its members keep their camelCase names on the wire. Decode-only.
+// archive it is. Decode-only.
+//
+// Unlike every other answer, its members are named on the wire exactly as the fields below
+// ("ownerTeamGold", "goldDiffAt10"): no snake_case at all. It still goes through the one decoder
+// and its key rule, and that is safe: the rule leaves a key without an inner underscore as it
+// is, so every camelCase member reaches its field unchanged. A record whose names did carry
+// underscores would be turned into these same names, so no special decoder is needed.
 
 struct TimelineSummaryDto {
     struct Frame {

@@ -81,6 +81,8 @@ public:
     // nothing, while another sync runs: a second press or a link mid-sync starts no second pull.
     QCoro::Task<> sync();
     QCoro::Task<> importFromClient();
+    // Refreshes the frequent duos' digest (friendPuuids, friendNames, friendGameNames) that tags
+    // friends in the archive screens. A failure keeps the last digest and shows nothing.
     QCoro::Task<> loadDuos();
     // Links a Riot account typed as Name#TAG, then refreshes the accounts and syncs.
     QCoro::Task<> addRiotAccount(QString riotId);

@@ -35,6 +35,7 @@ const QHash<QString, char16_t>& table() {
         {QStringLiteral("person.3"), 0xf233},                      // groups
         {QStringLiteral("person.crop.circle.fill"), 0xe853},       // account_circle
         {QStringLiteral("rectangle.on.rectangle"), 0xe3e0},        // filter_none
+        {QStringLiteral("scope"), 0xe1b3},                         // gps_fixed
         {QStringLiteral("shield.fill"), 0xe9e0},                   // shield
         {QStringLiteral("square.grid.2x2"), 0xe9b0},               // grid_view
         {QStringLiteral("square.grid.2x2.fill"), 0xe871},          // dashboard

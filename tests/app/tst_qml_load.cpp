@@ -40,6 +40,80 @@ class TestQmlLoad : public QObject {
     std::unique_ptr<ScreenFixture> m_fixture;
     std::unique_ptr<GameImages> m_images;
 
+    // Duos, a friend record, a profile and a timeline, so that the social screens and the timeline
+    // are built with every part they can show.
+    void serveSocialAnswers(const SyntheticArchive& archive) {
+        FakeBackend& backend = m_fixture->backend;
+        const QJsonObject pair{{"mine", 2}, {"enemy", 1}};
+        QJsonArray frames;
+        for (int t = 0; t < 25; ++t)
+            frames.append(QJsonObject{{"t", t},
+                                      {"ownerTeamGold", 0},
+                                      {"enemyTeamGold", 0},
+                                      {"goldDiff", (t - 8) * 150},
+                                      {"ownerGold", 0},
+                                      {"ownerCs", 0},
+                                      {"ownerXp", 0},
+                                      {"ownerLevel", 1}});
+        QJsonArray events;
+        for (const char* kind : {"kill", "monster", "building", "ward"})
+            events.append(
+                QJsonObject{{"kind", kind}, {"t", 300}, {"team", 100}, {"mine", true}, {"monster", "DRAGON"}});
+        const QJsonObject timeline{
+            {"ownerChampion", "Ahri"},
+            {"ownerTeam", 100},
+            {"frames", frames},
+            {"events", events},
+            {"stats",
+             QJsonObject{{"ownerCsAt10", 80},
+                         {"goldDiffAt10", -300},
+                         {"firstBlood", QJsonObject{{"t", 200}, {"mine", false}}},
+                         {"objectives",
+                          QJsonObject{{"dragons", pair}, {"barons", pair}, {"heralds", pair}, {"towers", pair}}}}}};
+        for (const MatchDto& match : archive.matches())
+            backend.on("GET", "/api/matches/" + match.matchId + "/timeline", FakeResponse::json(timeline));
+
+        QJsonArray duos;
+        QJsonArray games;
+        for (int i = 0; i < 14; ++i)
+            games.append(QJsonObject{{"match_id", i + 1},
+                                     {"season", 14 + i % 2},
+                                     {"queue_id", i % 3 ? 420 : 450},
+                                     {"played_at", "2025-03-12T18:00:00Z"},
+                                     {"win", i % 2 == 0},
+                                     {"owner_champion", "Ahri"},
+                                     {"friend_champion", "Bard"}});
+        for (const QString& puuid : archive.friendPuuids()) {
+            duos.append(QJsonObject{{"puuid", puuid},
+                                    {"riot_id", "Bard Main#EUW"},
+                                    {"games", 14},
+                                    {"wins", 7},
+                                    {"losses", 7},
+                                    {"winrate", 0.5},
+                                    {"rank", "GOLD II"},
+                                    {"last_played", "2025-03-12T18:00:00Z"}});
+            backend.on(
+                "GET", "/api/stats/friend/" + puuid,
+                FakeResponse::json({{"friend_puuid", puuid},
+                                    {"total", QJsonObject{{"games", 14}, {"wins", 7}, {"losses", 7}, {"winrate", 0.5}}},
+                                    {"games", games}}));
+        }
+        backend.on("GET", "/api/stats/duos", FakeResponse::json({{"duos", duos}}));
+        backend.on(
+            "GET", "/api/players/Ada#EUW/profile",
+            FakeResponse::json(
+                {{"account", QJsonObject{{"puuid", "p"}, {"game_name", "Ada"}}},
+                 {"platform", "euw1"},
+                 {"ranks",
+                  QJsonArray{QJsonObject{
+                      {"queue_type", "RANKED_SOLO_5x5"}, {"tier", "GOLD"}, {"rank", "II"}, {"league_points", 40}}}},
+                 {"mastery",
+                  QJsonArray{QJsonObject{{"champion_id", 103}, {"champion_level", 7}, {"champion_points", 90000}}}}}));
+        m_friendPuuid = archive.friendPuuids().value(0);
+    }
+
+    QString m_friendPuuid;
+
     // The first item below root whose image source is set.
     static QString firstImageSource(QQuickItem* root) {
         for (QQuickItem* child : root->childItems()) {
@@ -72,6 +146,7 @@ private Q_SLOTS:
         AppState::exposeToQml(m_fixture->state.get());
         m_images = std::make_unique<GameImages>(m_fixture->state->staticData().dataDragon());
         GameImages::exposeToQml(m_images.get());
+        serveSocialAnswers(archive);
     }
 
     void screens_data() {
@@ -104,6 +179,19 @@ private Q_SLOTS:
                                                    "linkCard: Component { AddAccountCard {} } }\n";
         QTest::newRow("match detail") << imports + "MatchDetailView { width: 940; height: 720; appState: AppState; "
                                                    "matchServerId: 5 }\n";
+        QTest::newRow("friends") << imports + "FriendsView { width: 1000; height: 700; appState: AppState }\n";
+        QTest::newRow("friend record")
+            << imports + QStringLiteral("FriendsView { id: v; width: 1000; height: 700; appState: AppState; "
+                                        "Component.onCompleted: v.model.lookupPuuid(\"%1\", \"Bard Main#EUW\") }\n")
+                             .arg(m_friendPuuid);
+        QTest::newRow("search") << imports + "SearchView { width: 1000; height: 700; appState: AppState }\n";
+        QTest::newRow("search result")
+            << imports + "SearchView { id: v; width: 1000; height: 700; appState: AppState; "
+                         "Component.onCompleted: { v.model.riotId = \"Ada#EUW\"; v.model.search() } }\n";
+        QTest::newRow("timeline") << imports + "TimelineView { width: 860; height: 720; appState: AppState; "
+                                               "matchServerId: 5 }\n";
+        QTest::newRow("timeline of a game not stored")
+            << imports + "TimelineView { width: 860; height: 720; appState: AppState; matchServerId: 999999 }\n";
         QTest::newRow("overview of an empty archive") << imports +
                                                              "OverviewView { width: 1000; height: 700; appState: null; "
                                                              "linkCard: Component { AddAccountCard {} } }\n";
@@ -124,6 +212,9 @@ private Q_SLOTS:
             qobject_cast<QQuickItem*>(object.get())->setParentItem(window.contentItem());
             window.show();
             QVERIFY(QTest::qWaitForWindowExposed(&window));
+            // Screens that fetch for themselves draw their answers too.
+            QTest::qWait(50);
+            QTRY_VERIFY(!m_fixture->state->hasRunningTasks());
             QTest::qWait(50);
             QVERIFY(!window.grabWindow().isNull());
         }

@@ -7,6 +7,7 @@
 
 #include <QJsonArray>
 #include <QNetworkAccessManager>
+#include <QTcpServer>
 #include <QTest>
 
 using namespace ArchiveJson;
@@ -19,6 +20,8 @@ class TestBackendClient : public QObject {
     std::unique_ptr<BackendClient> m_client;
 
     BackendClient& client() { return *m_client; }
+
+    enum SocialEndpoint { Profile, Friend, Timeline };
 
 private Q_SLOTS:
     void init() {
@@ -49,6 +52,94 @@ private Q_SLOTS:
         QFETCH(QByteArray, wire);
         QVERIFY(!backendErrorOf(client().sync(cursor)));
         QCOMPARE(m_backend->requests().last().rawQuery, wire);
+    }
+
+    // The path pieces of the social endpoints as they go out on the wire.
+    void socialRequestPaths_data() {
+        QTest::addColumn<int>("endpoint");
+        QTest::addColumn<QString>("argument");
+        QTest::addColumn<QByteArray>("rawPath");
+        QTest::addColumn<QByteArray>("rawQuery");
+        QTest::newRow("Riot ID sent whole")
+            << int(Profile) << "Name#TAG" << QByteArray("/api/players/Name%23TAG/profile")
+            << QByteArray("platform=euw1");
+        QTest::newRow("space and non-ASCII letter")
+            << int(Profile) << QStringLiteral("Zoë Main#EUW")
+            << QByteArray("/api/players/Zo%C3%AB%20Main%23EUW/profile") << QByteArray("platform=euw1");
+        QTest::newRow("slash and percent stay inside the segment")
+            << int(Profile) << "a/b%c#1" << QByteArray("/api/players/a%2Fb%25c%231/profile")
+            << QByteArray("platform=euw1");
+        // "-" and "_" leave the encoder as %2D and %5F, but QUrl writes every unreserved character
+        // plainly; RFC 3986 (2.3) makes the two spellings the same address.
+        QTest::newRow("puuid") << int(Friend) << "Ab-c_9" << QByteArray("/api/stats/friend/Ab-c_9") << QByteArray();
+        QTest::newRow("puuid with a dot and a colon")
+            << int(Friend) << "a.b:c" << QByteArray("/api/stats/friend/a.b%3Ac") << QByteArray();
+        QTest::newRow("match id unencoded") << int(Timeline) << "EUW1_7123456789"
+                                            << QByteArray("/api/matches/EUW1_7123456789/timeline") << QByteArray();
+    }
+    void socialRequestPaths() {
+        QFETCH(int, endpoint);
+        QFETCH(QString, argument);
+        QFETCH(QByteArray, rawPath);
+        QFETCH(QByteArray, rawQuery);
+        client().setAuthToken(QStringLiteral("t"));
+        // Every route is unscripted: the 404 is expected, only the request counts.
+        if (endpoint == Profile)
+            (void)backendErrorOf(client().playerProfile(argument, QStringLiteral("euw1")));
+        else if (endpoint == Friend)
+            (void)backendErrorOf(client().friendStats(argument));
+        else
+            (void)backendErrorOf(client().matchTimeline(argument));
+        const RecordedRequest& sent = m_backend->requests().last();
+        QCOMPARE(sent.method, QByteArray("GET"));
+        QCOMPARE(sent.rawPath, rawPath);
+        QCOMPARE(sent.rawQuery, rawQuery);
+        QCOMPARE(sent.header("Authorization"), QByteArray("Bearer t"));
+        QVERIFY(sent.body.isEmpty());
+    }
+
+    void pathSegmentEncoding_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("segment");
+        QTest::newRow("letters and digits stay") << "abcXYZ019"
+                                                 << "abcXYZ019";
+        QTest::newRow("unreserved punctuation too") << "a-b_c.d~e"
+                                                    << "a%2Db%5Fc%2Ed%7Ee";
+        QTest::newRow("hash and space") << "Name #TAG"
+                                        << "Name%20%23TAG";
+        QTest::newRow("UTF-8 bytes, upper-case hex") << QStringLiteral("é한") << "%C3%A9%ED%95%9C";
+        QTest::newRow("empty") << ""
+                               << "";
+    }
+    void pathSegmentEncoding() {
+        QFETCH(QString, text);
+        QFETCH(QString, segment);
+        QCOMPARE(BackendUrl::encodePathSegment(text), segment);
+    }
+
+    // A screen that goes away takes its request with it: the task ends instead of waiting for an
+    // answer nobody will read.
+    void requestEndsWhenItsRequesterGoes() {
+        client().setAuthToken(QStringLiteral("t"));
+        QTcpServer silent; // takes the connection and never answers
+        QVERIFY(silent.listen(QHostAddress::LocalHost, 0));
+        BackendClient slow(m_network, QUrl(QStringLiteral("http://127.0.0.1:%1").arg(silent.serverPort())));
+        auto requester = std::make_unique<QObject>();
+        bool ended = false;
+        std::optional<BackendError> error;
+        auto waiting = [&]() -> QCoro::Task<> {
+            try {
+                (void)co_await slow.matchTimeline(QStringLiteral("EUW1_1"), requester.get());
+            } catch (const BackendError& e) {
+                error = e;
+            }
+            ended = true;
+        }();
+        QTest::qWait(100);
+        QVERIFY(!ended);
+        requester.reset();
+        QTRY_VERIFY_WITH_TIMEOUT(ended, 5000);
+        QVERIFY(error && error->kind() == BackendError::Kind::Transport);
     }
 
     void authorizationHeader() {

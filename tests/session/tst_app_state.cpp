@@ -233,6 +233,44 @@ private Q_SLOTS:
         QCOMPARE(m_store->matches().count(), 2);
     }
 
+    // The digest of the duo list: the first Riot ID of a puuid wins, a duo without one is tagged by
+    // its puuid only, and the game name is the first non-empty piece before or after "#".
+    void duoDigest() {
+        const auto duo = [](const char* puuid, const QJsonValue& riotId) {
+            return QJsonObject{{"puuid", puuid}, {"riot_id", riotId}, {"games", 3},
+                               {"wins", 2},      {"losses", 1},       {"winrate", 0.667}};
+        };
+        m_backend->on(
+            "GET", "/api/stats/duos",
+            FakeResponse::json({{"duos", QJsonArray{duo("p1", "Zed Main#EUW"), duo("p1", "Other#EUW"),
+                                                    duo("p2", QJsonValue::Null), duo("p3", "#KR1"), duo("p4", "")}}}));
+        m_state->client().setAuthToken(QStringLiteral("t"));
+        QSignalSpy changed(m_state.get(), &AppState::friendsChanged);
+        run(m_state->loadDuos());
+        QCOMPARE(changed.count(), 1);
+        QCOMPARE(m_state->friendPuuids(), (QSet<QString>{"p1", "p2", "p3", "p4"}));
+        QCOMPARE(m_state->friendNames(), (QHash<QString, QString>{{"p1", "Zed Main#EUW"}, {"p3", "#KR1"}, {"p4", ""}}));
+        QCOMPARE(m_state->friendGameNames(), (QSet<QString>{"zed main", "other", "kr1"}));
+    }
+
+    // A failed duo refresh keeps the digest the screens use and shows nothing.
+    void failedDuoRefreshKeepsTheDigest() {
+        serveHappyBackend();
+        m_state->bootstrap(m_store.get());
+        waitIdle();
+        run(m_state->sync());
+        QCOMPARE(m_state->friendPuuids().size(), 2);
+
+        m_backend->on("GET", "/api/stats/duos", FakeResponse::text(500, "duos are down"));
+        QSignalSpy changed(m_state.get(), &AppState::friendsChanged);
+        run(m_state->sync());
+        QCOMPARE(m_backend->requestsTo("/api/stats/duos").size(), 2);
+        QCOMPARE(changed.count(), 0);
+        QCOMPARE(m_state->friendPuuids(), (QSet<QString>{"friend-1", "friend-2"}));
+        QCOMPARE(m_state->friendNames().value("friend-1"), QStringLiteral("Bard Main#EUW"));
+        QVERIFY(!m_state->hasError());
+    }
+
     void accountRefreshFallsBackSilently_data() {
         QTest::addColumn<int>("listStatus");
         QTest::addColumn<QString>("message");
