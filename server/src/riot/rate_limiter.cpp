@@ -6,14 +6,46 @@ namespace qf {
 
 RateLimiter::RateLimiter(std::vector<RateLimitWindow> appLimits) : m_application(std::move(appLimits)) {}
 
+namespace {
+
+struct Registry {
+    std::mutex mutex;
+    std::map<std::pair<std::string, std::string>, std::shared_ptr<RateLimiter>> limiters;
+    bool closed = false;
+};
+
+Registry& registry() {
+    static Registry instance;
+    return instance;
+}
+
+} // namespace
+
 std::shared_ptr<RateLimiter> RateLimiter::shared(std::string_view apiKey, std::string_view routing) {
-    static std::mutex mutex;
-    static std::map<std::pair<std::string, std::string>, std::shared_ptr<RateLimiter>> limiters;
-    const std::lock_guard lock(mutex);
-    auto& limiter = limiters[{std::string(apiKey), std::string(routing)}];
-    if (!limiter)
+    Registry& all = registry();
+    const std::lock_guard lock(all.mutex);
+    auto& limiter = all.limiters[{std::string(apiKey), std::string(routing)}];
+    if (!limiter) {
         limiter = std::make_shared<RateLimiter>();
+        limiter->m_closed = all.closed;
+    }
     return limiter;
+}
+
+void RateLimiter::closeAll() {
+    Registry& all = registry();
+    const std::lock_guard lock(all.mutex);
+    all.closed = true;
+    for (auto& [key, limiter] : all.limiters) {
+        const std::lock_guard own(limiter->m_mutex);
+        limiter->m_closed = true;
+        limiter->m_changed.notify_all();
+    }
+}
+
+bool RateLimiter::closed() const {
+    const std::lock_guard lock(m_mutex);
+    return m_closed;
 }
 
 RateLimitScope& RateLimiter::methodScope(const std::string& method) {
@@ -48,6 +80,10 @@ bool RateLimiter::acquire(const std::string& method, RiotPriority priority, Cloc
         maxWait >= Clock::time_point::max() - start ? Clock::time_point::max() : start + maxWait;
     RateLimitScope& own = methodScope(method);
     while (true) {
+        if (m_closed) {
+            leaveQueue(ticket, priority);
+            return false;
+        }
         const Clock::time_point now = Clock::now();
         if (isNext(ticket)) {
             const bool background = priority == RiotPriority::Background;

@@ -52,6 +52,11 @@ public:
     void learn(const std::string& method, const std::vector<RateLimitWindow>& appLimits,
                const std::vector<RateLimitWindow>& appCounts, const std::vector<RateLimitWindow>& methodLimits,
                const std::vector<RateLimitWindow>& methodCounts);
+    // At shutdown: every limiter of the process lets its waiters go (acquire returns false)
+    // and refuses new requests from then on, so no thread stays parked behind a long window.
+    static void closeAll();
+    [[nodiscard]] bool closed() const;
+
     // A 429 naming the application's or the method's limit: nothing of that scope goes out
     // before `until`.
     void blockApplication(Clock::time_point until);
@@ -71,6 +76,7 @@ private:
     std::deque<uint64_t> m_foreground;
     std::deque<uint64_t> m_background;
     uint64_t m_nextTicket = 0;
+    bool m_closed = false;
 };
 
 } // namespace qf

@@ -58,9 +58,12 @@ RiotResult<std::string> RiotRequestRunner::get(const RiotCall& call) const {
     int failures = 0;
     int rateLimited = 0;
     while (true) {
-        if (!limiter->acquire(call.method, call.priority, maxWait))
+        if (!limiter->acquire(call.method, call.priority, maxWait)) {
+            if (limiter->closed())
+                return failure(RiotOutcome::Unavailable, 0, "The server is stopping.");
             return failure(RiotOutcome::Unavailable, 0,
                            "The Riot API's rate limit for this server is used up for now; try again in a minute.");
+        }
         const TransportAnswer answer = m_transport->get(url, headers);
         if (!answer.reached) {
             if (++failures > m_config.serverErrorRetries)

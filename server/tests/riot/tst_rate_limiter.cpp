@@ -68,6 +68,22 @@ private Q_SLOTS:
         limiter.blockApplication(RateLimiter::Clock::now() + 5s);
         QVERIFY(!limiter.acquire("other", RiotPriority::Foreground, 100ms));
     }
+
+    // At shutdown a backfill parked behind a long window is let go, and nothing new is sent.
+    void closingLetsWaitersGo() {
+        const auto limiter = RateLimiter::shared("RGAPI-closing", "europe");
+        limiter->learn("m", {{1, 60}}, {}, {}, {});
+        QVERIFY(limiter->acquire("m", RiotPriority::Background, RateLimiter::Clock::duration::max()));
+        auto parked = std::async(std::launch::async, [&] {
+            return limiter->acquire("m", RiotPriority::Background, RateLimiter::Clock::duration::max());
+        });
+        QCOMPARE(parked.wait_for(200ms), std::future_status::timeout);
+        RateLimiter::closeAll();
+        QCOMPARE(parked.wait_for(2s), std::future_status::ready);
+        QVERIFY(!parked.get());
+        QVERIFY(limiter->closed());
+        QVERIFY(!RateLimiter::shared("RGAPI-made-later", "asia")->acquire("m", RiotPriority::Foreground, 1s));
+    }
 };
 
 QTEST_GUILESS_MAIN(TestRateLimiter)
