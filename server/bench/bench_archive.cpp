@@ -184,7 +184,7 @@ BenchArchive buildBenchArchive(Database& database, const BenchArchiveShape& shap
                     rows.push_back(makeRow(account, seat, blueWon, match.gameDuration, champions, random));
                 }
                 fillTeamFigures(rows);
-                repository.replaceParticipants(match.id, rows);
+                repository.replaceParticipants(match, rows);
                 for (size_t i = 0; i < rows.size(); ++i) {
                     PerformanceScore score = makeScore(*players[i], rows[i], random);
                     repository.insertScore(score);

@@ -2,6 +2,8 @@
 
 #include "pg_cluster.h"
 
+#include <cstdlib>
+
 #include "child_process.h"
 
 #include <fstream>
@@ -20,6 +22,9 @@ const char* script() {
 } // namespace
 
 PgCluster::PgCluster(std::filesystem::path dir) : m_dir(std::move(dir)) {
+    // A cache that holds a benchmark's archive, as a deployment sizes it for its data (the
+    // tests' clusters make do with 64 MB). QFS_PG_SHARED_BUFFERS set by hand wins.
+    setenv("QFS_PG_SHARED_BUFFERS", "1GB", 0);
     const std::filesystem::path log = m_dir.parent_path() / (m_dir.filename().string() + "-start.log");
     const int code = ChildProcess::run(script(), {"start", m_dir.string()}, log, std::chrono::minutes(3));
     std::ifstream in(m_dir / "uri");

@@ -37,39 +37,6 @@ void writeMatch(json::Writer& w, const Match& m) {
     w.field("season", m.season).field("updated_at", isoTimestamp(m.updatedAt)).endObject();
 }
 
-void writeParticipant(json::Writer& w, const Participant& p) {
-    w.beginObject()
-        .field("id", p.id)
-        .field("match_id", p.matchId)
-        .field("puuid", p.puuid)
-        .field("riot_id_game_name", p.riotIdGameName)
-        .field("riot_id_tag_line", p.riotIdTagLine)
-        .field("team_id", p.teamId)
-        .field("win", p.win)
-        .field("champion_id", p.championId)
-        .field("champion_name", p.championName)
-        .field("team_position", p.teamPosition)
-        .field("champ_level", p.champLevel)
-        .field("kills", p.kills)
-        .field("deaths", p.deaths)
-        .field("assists", p.assists)
-        .field("total_cs", p.totalCs)
-        .field("gold_earned", p.goldEarned)
-        .field("vision_score", p.visionScore)
-        .field("damage_to_champions", p.damageToChampions);
-    w.key("items").beginArray();
-    for (int64_t item : p.items)
-        w.value(item);
-    w.endArray()
-        .field("team_damage_pct", p.teamDamagePct)
-        .field("kill_participation", p.killParticipation)
-        .field("cs_per_min", p.csPerMin)
-        .field("rank_tier", p.rankTier)
-        .field("rank_division", p.rankDivision)
-        .field("rank_lp", p.rankLp)
-        .endObject();
-}
-
 void writeSnapshot(json::Writer& w, const RankSnapshot& s) {
     w.beginObject()
         .field("id", s.id)
@@ -126,13 +93,16 @@ std::string riotAccount(const RiotAccount& account) {
 }
 
 std::string syncPage(const SyncPage& page) {
-    json::Writer w;
+    size_t size = 4096;
+    for (const SyncedGame& g : page.games)
+        size += 400 + g.participantsJson.size();
+    json::Writer w(size);
     w.beginObject().key("matches").beginArray();
-    for (const Match& m : page.matches)
-        writeMatch(w, m);
+    for (const SyncedGame& g : page.games)
+        writeMatch(w, g.match);
     w.endArray().key("participants").beginArray();
-    for (const Participant& p : page.participants)
-        writeParticipant(w, p);
+    for (const SyncedGame& g : page.games)
+        w.rawList(g.participantsJson);
     w.endArray().key("rank_snapshots").beginArray();
     for (const RankSnapshot& s : page.rankSnapshots)
         writeSnapshot(w, s);

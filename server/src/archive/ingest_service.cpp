@@ -134,9 +134,8 @@ IngestOutcome IngestService::ingest(json::Element games, int64_t now, const std:
                 game.match.updatedAt = now;
                 repository.insertMatch(game.match);
             }
-            repository.replaceParticipants(game.match.id, game.participants);
-            for (const Player& player : client.players)
-                repository.upsertPlayer(player);
+            repository.replaceParticipants(game.match, game.participants);
+            repository.upsertPlayers(client.players);
             ++result.ingested;
             result.matchIds.push_back(game.match.matchId);
             stored.push_back(&client);

@@ -17,6 +17,8 @@ namespace qf::json {
 class Writer {
 public:
     Writer() : m_writer(m_buffer) {}
+    // Room for an answer of about this many bytes, so a large one grows without copies.
+    explicit Writer(size_t expectedSize) : m_writer(m_buffer) { m_buffer.Reserve(expectedSize); }
 
     Writer& beginObject() {
         m_writer.StartObject();
@@ -71,10 +73,15 @@ public:
     // Raw JSON text spliced in as one value (a stored timeline summary). The text is trusted to
     // be one JSON value; empty text is written as null.
     Writer& raw(std::string_view json);
+    // Several values of an array at once, as raw JSON text joined by commas ("{…},{…}"): spliced
+    // in after a comma when the array has values already. Empty text writes nothing.
+    Writer& rawList(std::string_view values);
 
     [[nodiscard]] std::string take() { return std::string(m_buffer.GetString(), m_buffer.GetSize()); }
 
 private:
+    void splice(std::string_view json);
+
     rapidjson::StringBuffer m_buffer;
     rapidjson::Writer<rapidjson::StringBuffer> m_writer;
 };

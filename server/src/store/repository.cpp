@@ -2,6 +2,8 @@
 
 #include "store/repository.h"
 
+#include "store/participant_json.h"
+
 #include "store/column_codecs.h"
 
 #include <algorithm>
@@ -166,8 +168,11 @@ std::vector<OwnGame> readOwnGames(const SqlResult& r) {
 
 // The match ids of a user's archive: every match one of the user's puuids played in. Kept as
 // an IN list so each match counts once even when two of the user's accounts played it.
-#define QF_USER_MATCH_IDS                                                                                              \
-    "SELECT p.match_id FROM participants p JOIN riot_accounts a ON a.puuid = p.puuid WHERE a.user_id = ?"
+// Every (match, user, number) that makes a game part of a user's archive: a linked account
+// played in it. Completed with a WHERE on p.
+#define QF_OWNERS_OF_MATCHES                                                                                           \
+    "SELECT DISTINCT p.match_id, a.user_id, m.change_seq FROM participants p "                                         \
+    "JOIN riot_accounts a ON a.puuid = p.puuid JOIN matches m ON m.id = p.match_id"
 
 std::string text(std::string_view s) {
     return std::string(s);
@@ -260,26 +265,61 @@ void Repository::insertAccount(RiotAccount& a) {
     if (r.empty())
         throw UniqueViolation("this Riot account is linked already");
     a.id = r.integer(0, 0);
+    // Games stored before the link become part of the user's archive.
+    m_db.query("INSERT INTO user_matches (match_id, user_id, change_seq) " QF_OWNERS_OF_MATCHES
+               " WHERE p.puuid = ? ON CONFLICT (match_id, user_id) DO NOTHING",
+               {a.puuid});
 }
 
 void Repository::updateAccount(const RiotAccount& a) {
-    m_db.query("UPDATE riot_accounts SET user_id = ?, puuid = ?, game_name = ?, tag_line = ?, platform = ?, "
-               "region = ?, is_owner = ?, profile_icon_id = ?, summoner_level = ?, linked_at = ? WHERE id = ?",
-               {a.userId, a.puuid, sqlOpt(a.gameName), sqlOpt(a.tagLine), a.platform, a.region, int64_t{a.isOwner},
+    m_db.query("UPDATE riot_accounts SET game_name = ?, tag_line = ?, platform = ?, region = ?, is_owner = ?, "
+               "profile_icon_id = ?, summoner_level = ?, linked_at = ? WHERE id = ?",
+               {sqlOpt(a.gameName), sqlOpt(a.tagLine), a.platform, a.region, int64_t{a.isOwner},
                 sqlOpt(a.profileIconId), sqlOpt(a.summonerLevel), a.linkedAt, a.id});
 }
 
 // --- Players seen in games --------------------------------------------------------------------
 
-void Repository::upsertPlayer(const Player& p) {
-    // A game that carries no icon keeps the one known.
-    m_db.query("INSERT INTO players (" QF_PLAYER_COLUMNS ") VALUES (?, ?, ?, ?, ?, ?, ?, ?) "
-               "ON CONFLICT (puuid) DO UPDATE SET game_name = excluded.game_name, tag_line = excluded.tag_line, "
+void Repository::upsertPlayer(const Player& player) {
+    upsertPlayers(std::span<const Player>(&player, 1));
+}
+
+void Repository::upsertPlayers(std::span<const Player> given) {
+    // PostgreSQL refuses to change one row twice in a statement: a puuid given twice keeps its
+    // newest sighting.
+    std::vector<Player> players;
+    players.reserve(given.size());
+    for (const Player& p : given) {
+        auto same = std::find_if(players.begin(), players.end(), [&](const Player& q) { return q.puuid == p.puuid; });
+        if (same == players.end())
+            players.push_back(p);
+        else if (p.lastSeen >= same->lastSeen)
+            *same = p;
+    }
+    // One statement for a game's ten players rather than ten round trips; the statement text
+    // depends only on the count, so a handful of prepared statements serve every game. A game
+    // that carries no icon keeps the one known.
+    static constexpr size_t kMostAtOnce = 16;
+    for (size_t start = 0; start < players.size(); start += kMostAtOnce) {
+        const std::span<const Player> chunk =
+            std::span<const Player>(players).subspan(start, std::min(kMostAtOnce, players.size() - start));
+        std::string sql = "INSERT INTO players (" QF_PLAYER_COLUMNS ") VALUES ";
+        std::vector<SqlValue> params;
+        params.reserve(chunk.size() * 8);
+        for (size_t i = 0; i < chunk.size(); ++i) {
+            const Player& p = chunk[i];
+            sql += i ? ", (?, ?, ?, ?, ?, ?, ?, ?)" : "(?, ?, ?, ?, ?, ?, ?, ?)";
+            for (SqlValue v : {SqlValue(p.puuid), SqlValue(p.gameName), SqlValue(p.tagLine), SqlValue(p.nameKey),
+                               SqlValue(p.tagKey), SqlValue(p.platform), sqlOpt(p.profileIconId), SqlValue(p.lastSeen)})
+                params.push_back(std::move(v));
+        }
+        sql += " ON CONFLICT (puuid) DO UPDATE SET game_name = excluded.game_name, tag_line = excluded.tag_line, "
                "name_key = excluded.name_key, tag_key = excluded.tag_key, platform = excluded.platform, "
                "profile_icon_id = COALESCE(excluded.profile_icon_id, players.profile_icon_id), "
                "last_seen = excluded.last_seen "
-               "WHERE excluded.last_seen >= players.last_seen",
-               {p.puuid, p.gameName, p.tagLine, p.nameKey, p.tagKey, p.platform, sqlOpt(p.profileIconId), p.lastSeen});
+               "WHERE excluded.last_seen >= players.last_seen";
+        m_db.query(sql, params);
+    }
 }
 
 std::optional<Player> Repository::playerByPuuid(std::string_view puuid) {
@@ -336,18 +376,20 @@ void Repository::updateMatch(Match& m) {
     if (r.empty())
         throw StoreError("no stored match has the id " + std::to_string(m.id));
     m.changeSeq = seq;
+    m_db.query("UPDATE user_matches SET change_seq = ? WHERE match_id = ?", {seq, m.id});
+    m_db.query("UPDATE participants SET game_creation = ? WHERE match_id = ?", {m.gameCreation, m.id});
 }
 
-void Repository::replaceParticipants(int64_t matchId, std::vector<Participant>& participants) {
-    m_db.query("DELETE FROM participants WHERE match_id = ?", {matchId});
+void Repository::replaceParticipants(const Match& match, std::vector<Participant>& participants) {
+    m_db.query("DELETE FROM participants WHERE match_id = ?", {match.id});
     for (Participant& p : participants) {
         SqlResult r = m_db.query(
             "INSERT INTO participants (match_id, puuid, riot_id_game_name, riot_id_tag_line, team_id, win, "
             "champion_id, champion_name, team_position, champ_level, kills, deaths, assists, total_cs, gold_earned, "
             "vision_score, damage_to_champions, items, team_damage_pct, kill_participation, cs_per_min, rank_tier, "
-            "rank_division, rank_lp, profile_icon_id) "
-            "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?) RETURNING id",
-            {matchId,
+            "rank_division, rank_lp, profile_icon_id, game_creation) "
+            "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?) RETURNING id",
+            {match.id,
              p.puuid,
              sqlOpt(p.riotIdGameName),
              sqlOpt(p.riotIdTagLine),
@@ -371,10 +413,16 @@ void Repository::replaceParticipants(int64_t matchId, std::vector<Participant>& 
              sqlOpt(p.rankTier),
              sqlOpt(p.rankDivision),
              sqlOpt(p.rankLp),
-             sqlOpt(p.profileIconId)});
+             sqlOpt(p.profileIconId),
+             match.gameCreation});
         p.id = r.integer(0, 0);
-        p.matchId = matchId;
+        p.matchId = match.id;
     }
+    m_db.query("UPDATE matches SET participants_json = ? WHERE id = ?", {participantListJson(participants), match.id});
+    // Who owns the game follows its players: a row added or dropped can add or drop a user.
+    m_db.query("DELETE FROM user_matches WHERE match_id = ?", {match.id});
+    m_db.query("INSERT INTO user_matches (match_id, user_id, change_seq) " QF_OWNERS_OF_MATCHES " WHERE p.match_id = ?",
+               {match.id});
 }
 
 void Repository::touchMatchesOf(std::string_view puuid) {
@@ -385,6 +433,12 @@ void Repository::touchMatchesOf(std::string_view puuid) {
                              {text(puuid)});
     for (size_t i = 0; i < r.rows(); ++i)
         m_db.query("UPDATE matches SET change_seq = ? WHERE id = ?", {m_db.nextChangeSeq(), r.integer(i, 0)});
+    // The puuid's account was just linked (or moved): its games gain an owner, and every owner
+    // sees them again under their new numbers.
+    m_db.query("INSERT INTO user_matches (match_id, user_id, change_seq) " QF_OWNERS_OF_MATCHES
+               " WHERE p.match_id IN (SELECT q.match_id FROM participants q WHERE q.puuid = ?) "
+               "ON CONFLICT (match_id, user_id) DO UPDATE SET change_seq = excluded.change_seq",
+               {text(puuid)});
 }
 
 std::vector<Participant> Repository::participantsOf(std::span<const int64_t> matchIds) {
@@ -447,14 +501,14 @@ std::vector<OwnGame> Repository::earlierGames(std::string_view puuid, const std:
     if (position) {
         return readOwnGames(m_db.query("SELECT " QF_MATCH_COLUMNS ", " QF_PARTICIPANT_COLUMNS
                                        " FROM participants p JOIN matches m ON m.id = p.match_id "
-                                       "WHERE p.puuid = ? AND p.team_position = ? AND m.game_creation < ? "
-                                       "ORDER BY m.game_creation DESC, m.id DESC LIMIT ?",
+                                       "WHERE p.puuid = ? AND p.team_position = ? AND p.game_creation < ? "
+                                       "ORDER BY p.game_creation DESC, p.match_id DESC LIMIT ?",
                                        {text(puuid), *position, before, int64_t{limit}}));
     }
     return readOwnGames(m_db.query("SELECT " QF_MATCH_COLUMNS ", " QF_PARTICIPANT_COLUMNS
                                    " FROM participants p JOIN matches m ON m.id = p.match_id "
-                                   "WHERE p.puuid = ? AND m.game_creation < ? "
-                                   "ORDER BY m.game_creation DESC, m.id DESC LIMIT ?",
+                                   "WHERE p.puuid = ? AND p.game_creation < ? "
+                                   "ORDER BY p.game_creation DESC, p.match_id DESC LIMIT ?",
                                    {text(puuid), before, int64_t{limit}}));
 }
 
@@ -516,15 +570,30 @@ std::optional<RankSnapshot> Repository::latestSnapshot(int64_t riotAccountId, st
 // plus rules out the other plan, walking the change_seq index through every user's matches,
 // whatever statistics the engine keeps.
 
-std::vector<Match> Repository::changedMatchesOfUser(int64_t userId, int64_t afterSeq, int limit) {
-    SqlResult r = m_db.query("SELECT " QF_MATCH_COLUMNS " FROM matches m WHERE m.id IN (" QF_USER_MATCH_IDS ") "
-                             "AND +m.change_seq > ? ORDER BY +m.change_seq LIMIT ?",
+std::vector<SyncedGame> Repository::changedGamesOfUser(int64_t userId, int64_t afterSeq, int limit) {
+    SqlResult r = m_db.query("SELECT " QF_MATCH_COLUMNS ", m.participants_json FROM user_matches u "
+                             "JOIN matches m ON m.id = u.match_id WHERE u.user_id = ? AND u.change_seq > ? "
+                             "ORDER BY u.change_seq LIMIT ?",
                              {userId, afterSeq, int64_t{limit}});
-    std::vector<Match> matches;
-    matches.reserve(r.rows());
-    for (size_t i = 0; i < r.rows(); ++i)
-        matches.push_back(readMatch(r, i));
-    return matches;
+    std::vector<SyncedGame> games;
+    games.reserve(r.rows());
+    std::vector<int64_t> unwritten;
+    for (size_t i = 0; i < r.rows(); ++i) {
+        games.push_back({readMatch(r, i), r.isNull(i, kMatchColumns) ? std::string() : r.text(i, kMatchColumns)});
+        if (r.isNull(i, kMatchColumns))
+            unwritten.push_back(games.back().match.id);
+    }
+    // Games stored before their rows were kept as text: written from the rows here.
+    if (!unwritten.empty()) {
+        std::map<int64_t, std::vector<Participant>> rows;
+        for (Participant& p : participantsOf(unwritten))
+            rows[p.matchId].push_back(std::move(p));
+        for (SyncedGame& game : games) {
+            if (auto it = rows.find(game.match.id); it != rows.end())
+                game.participantsJson = participantListJson(it->second);
+        }
+    }
+    return games;
 }
 
 // Scores and snapshots belong to an account: (riot_account_id, change_seq) walks one account's
@@ -572,8 +641,8 @@ std::vector<PerformanceScore> Repository::changedScoresOfUser(int64_t userId, in
 // --- Social -------------------------------------------------------------------------------------
 
 std::vector<GameWithRows> Repository::gamesOfUser(int64_t userId) {
-    SqlResult r = m_db.query("SELECT " QF_MATCH_COLUMNS " FROM matches m WHERE m.id IN (" QF_USER_MATCH_IDS ") "
-                             "ORDER BY m.game_creation DESC, m.id DESC",
+    SqlResult r = m_db.query("SELECT " QF_MATCH_COLUMNS " FROM user_matches u JOIN matches m ON m.id = u.match_id "
+                             "WHERE u.user_id = ? ORDER BY m.game_creation DESC, m.id DESC",
                              {userId});
     std::vector<GameWithRows> games;
     games.reserve(r.rows());

@@ -19,6 +19,13 @@ struct OwnGame {
     Participant me;
 };
 
+// One of a user's games as a sync page sends it: the match, and its participant objects as
+// JSON text (see participantListJson).
+struct SyncedGame {
+    Match match;
+    std::string participantsJson;
+};
+
 class Repository {
 public:
     explicit Repository(SqlConnection& connection) : m_db(connection) {}
@@ -44,14 +51,19 @@ public:
     // In link order (by id).
     [[nodiscard]] std::vector<RiotAccount> accountsOfUser(int64_t userId);
     [[nodiscard]] std::optional<RiotAccount> accountByPuuid(std::string_view puuid);
-    // Sets account.id. Throws UniqueViolation when the puuid is linked already.
+    // Sets account.id; games already stored with the puuid become part of the user's archive
+    // (touchMatchesOf(puuid) then sends them to mirrors that are past them). Throws
+    // UniqueViolation when the puuid is linked already.
     void insertAccount(RiotAccount& account);
+    // Everything but the user and the puuid, which an account keeps for life.
     void updateAccount(const RiotAccount& account);
 
     // --- Players seen in games ------------------------------------------------------------
     // Inserts, or updates the Riot ID, platform and icon when player.lastSeen is not older
     // than what is stored.
     void upsertPlayer(const Player& player);
+    // The same for many at once (a puuid given twice counts with its newest sighting).
+    void upsertPlayers(std::span<const Player> players);
     [[nodiscard]] std::optional<Player> playerByPuuid(std::string_view puuid);
     // The most recently seen player with this folded name and tag.
     [[nodiscard]] std::optional<Player> playerByRiotIdKey(std::string_view nameKey, std::string_view tagKey);
@@ -62,8 +74,10 @@ public:
     void insertMatch(Match& match);
     // Stores every field and gives the match a new change number (match.changeSeq).
     void updateMatch(Match& match);
-    // The match's rows become exactly these; sets each participant's id and matchId.
-    void replaceParticipants(int64_t matchId, std::vector<Participant>& participants);
+    // The match's rows become exactly these (match: as stored, with id and changeSeq); sets each
+    // participant's id and matchId, and makes the game part of the archive of every user with a
+    // linked account among them.
+    void replaceParticipants(const Match& match, std::vector<Participant>& participants);
     // Gives every match in which puuid played a new change number, so it reaches every mirror
     // again (after an account is linked, its games become part of a user's archive).
     void touchMatchesOf(std::string_view puuid);
@@ -91,7 +105,7 @@ public:
     [[nodiscard]] std::optional<RankSnapshot> latestSnapshot(int64_t riotAccountId, std::string_view queue);
 
     // --- The archive sync: a user's rows changed after a change number, in change order ---------
-    [[nodiscard]] std::vector<Match> changedMatchesOfUser(int64_t userId, int64_t afterSeq, int limit);
+    [[nodiscard]] std::vector<SyncedGame> changedGamesOfUser(int64_t userId, int64_t afterSeq, int limit);
     [[nodiscard]] std::vector<RankSnapshot> changedSnapshotsOfUser(int64_t userId, int64_t afterSeq, int limit);
     [[nodiscard]] std::vector<PerformanceScore> changedScoresOfUser(int64_t userId, int64_t afterSeq, int limit);
 

@@ -7,6 +7,17 @@
 
 namespace qf {
 
+namespace {
+
+int64_t changeSeqOf(const SyncedGame& game) {
+    return game.match.changeSeq;
+}
+template <class Row> int64_t changeSeqOf(const Row& row) {
+    return row.changeSeq;
+}
+
+} // namespace
+
 SyncPage SyncService::page(int64_t userId, const std::string* cursor) {
     int64_t after = 0;
     if (cursor) {
@@ -19,7 +30,7 @@ SyncPage SyncService::page(int64_t userId, const std::string* cursor) {
     SyncPage page;
     // One snapshot of the database for the three lists, so they agree with each other.
     m_database.read([&](Repository& repository) {
-        page.matches = repository.changedMatchesOfUser(userId, after, m_pageGames);
+        page.games = repository.changedGamesOfUser(userId, after, m_pageGames);
         page.rankSnapshots = repository.changedSnapshotsOfUser(userId, after, m_pageGames);
         page.performanceScores = repository.changedScoresOfUser(userId, after, m_pageGames);
 
@@ -29,34 +40,29 @@ SyncPage SyncService::page(int64_t userId, const std::string* cursor) {
         int64_t bound = INT64_MAX;
         auto limitBy = [&](const auto& rows) {
             if (rows.size() >= size_t(m_pageGames))
-                bound = std::min(bound, rows.back().changeSeq);
+                bound = std::min(bound, changeSeqOf(rows.back()));
         };
-        limitBy(page.matches);
+        limitBy(page.games);
         limitBy(page.rankSnapshots);
         limitBy(page.performanceScores);
         page.hasMore = bound != INT64_MAX;
         auto cut = [bound](auto& rows) {
-            rows.erase(std::find_if(rows.begin(), rows.end(), [bound](const auto& r) { return r.changeSeq > bound; }),
-                       rows.end());
+            rows.erase(
+                std::find_if(rows.begin(), rows.end(), [bound](const auto& r) { return changeSeqOf(r) > bound; }),
+                rows.end());
         };
-        cut(page.matches);
+        cut(page.games);
         cut(page.rankSnapshots);
         cut(page.performanceScores);
 
         int64_t last = after;
-        for (const Match& m : page.matches)
-            last = std::max(last, m.changeSeq);
+        for (const SyncedGame& g : page.games)
+            last = std::max(last, g.match.changeSeq);
         for (const RankSnapshot& s : page.rankSnapshots)
             last = std::max(last, s.changeSeq);
         for (const PerformanceScore& s : page.performanceScores)
             last = std::max(last, s.changeSeq);
         page.nextCursor = encodeSyncCursor(last);
-
-        std::vector<int64_t> ids;
-        ids.reserve(page.matches.size());
-        for (const Match& m : page.matches)
-            ids.push_back(m.id);
-        page.participants = repository.participantsOf(ids);
     });
     return page;
 }

@@ -12,8 +12,7 @@
 namespace qf {
 
 struct SyncPage {
-    std::vector<Match> matches;
-    std::vector<Participant> participants;
+    std::vector<SyncedGame> games; // each with its participant objects, ready to send
     std::vector<RankSnapshot> rankSnapshots;
     std::vector<PerformanceScore> performanceScores;
     std::string nextCursor;

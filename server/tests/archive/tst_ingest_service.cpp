@@ -135,7 +135,7 @@ private Q_SLOTS:
             rows[0].rankTier = "GOLD";
             rows[0].rankDivision = "II";
             rows[0].rankLp = 40;
-            r.replaceParticipants(before->match.id, rows);
+            r.replaceParticipants(before->match, rows);
         });
 
         const IngestOutcome outcome = send(ingest, QJsonArray{game(1, 0, 9)});

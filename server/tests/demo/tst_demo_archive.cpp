@@ -85,13 +85,13 @@ struct ChangeMarks {
 ChangeMarks changeMarksOf(Database& database, int64_t userId) {
     return database.read([&](Repository& r) {
         ChangeMarks marks;
-        for (const Match& m : r.changedMatchesOfUser(userId, 0, 100'000))
+        for (const Match& m : qf::test::matchesOnly(r.changedGamesOfUser(userId, 0, 100'000)))
             marks.newest = std::max(marks.newest, m.changeSeq);
         for (const RankSnapshot& s : r.changedSnapshotsOfUser(userId, 0, 100'000))
             marks.newest = std::max(marks.newest, s.changeSeq);
         for (const PerformanceScore& s : r.changedScoresOfUser(userId, 0, 100'000))
             marks.newest = std::max(marks.newest, s.changeSeq);
-        marks.rows = r.changedMatchesOfUser(userId, 0, 100'000).size() +
+        marks.rows = qf::test::matchesOnly(r.changedGamesOfUser(userId, 0, 100'000)).size() +
                      r.changedSnapshotsOfUser(userId, 0, 100'000).size() +
                      r.changedScoresOfUser(userId, 0, 100'000).size();
         return marks;

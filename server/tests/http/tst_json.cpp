@@ -293,11 +293,18 @@ void TestJson::writerNumbersAndSplicing() {
         .key("r")
         .raw("[]")
         .field("after", 1)
+        .key("list")
+        .beginArray()
+        .rawList("")
+        .rawList(R"({"a":1},{"b":2})")
+        .rawList("")
+        .rawList("3")
+        .endArray()
         .endObject()
         .endArray();
     QCOMPARE(QByteArray::fromStdString(writer.take()),
              QByteArray(R"([-9223372036854775808,18446744073709551615,7,65535,1.5,-0.0,null,null,true,null,"x",)"
-                        R"({"kills":[1,2],"s":"a,b"},null,3,{"t":"v","r":[],"after":1}])"));
+                        R"({"kills":[1,2],"s":"a,b"},null,3,{"t":"v","r":[],"after":1,"list":[{"a":1},{"b":2},3]}])"));
 }
 
 QTEST_APPLESS_MAIN(TestJson)

@@ -8,12 +8,21 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 // A fresh, empty database for one test on either engine: an SQLite file in a temporary folder,
 // or a PostgreSQL database of its own, created in the cluster the "postgres" test fixture runs
 // and dropped again afterwards. Tests never see each other's rows.
 
 namespace qf::test {
+
+// The matches of a sync's changed games, for tests that follow only the change order.
+inline std::vector<Match> matchesOnly(const std::vector<SyncedGame>& games) {
+    std::vector<Match> matches;
+    for (const SyncedGame& g : games)
+        matches.push_back(g.match);
+    return matches;
+}
 
 // Adds the column "engine" and the rows "sqlite" and "postgres" to a QTest data table.
 void addEngineRows();

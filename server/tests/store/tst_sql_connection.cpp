@@ -72,6 +72,8 @@ private Q_SLOTS:
     void migrationsRunOnceAndKeepData();
     void processesStartingTogetherMigrateOnce_data() { qf::test::addEngineRows(); }
     void processesStartingTogetherMigrateOnce();
+    void firstSchemaGainsSyncIndexAndStartTimes_data() { qf::test::addEngineRows(); }
+    void firstSchemaGainsSyncIndexAndStartTimes();
     void newerSchemaIsRefused_data() { qf::test::addEngineRows(); }
     void newerSchemaIsRefused();
     void sqliteFolderIsCreated();
@@ -345,6 +347,60 @@ void TestSqlConnection::processesStartingTogetherMigrateOnce() {
     for (const std::string& f : failures)
         QVERIFY2(f.empty(), f.c_str());
     QCOMPARE(schemaVersion(engine, db.address()), expectedVersion(engine));
+}
+
+// A database written before games kept their JSON and players their start times: after the
+// upgrade its games reach the owner's sync with the same rows, and the score's look-back finds them.
+void TestSqlConnection::firstSchemaGainsSyncIndexAndStartTimes() {
+    QFETCH(QString, engine);
+    TestDatabase db(engine);
+    QFS_REQUIRE_DATABASE(db);
+    {
+        auto c = openConnection(engine, db.address());
+        c->beginWrite();
+        const Migration& first = engine == QLatin1String("sqlite") ? sqliteMigrations()[0] : postgresMigrations()[0];
+        for (std::string_view statement : first.statements)
+            c->query(std::string(statement), {});
+        if (engine == QLatin1String("sqlite")) {
+            c->query("PRAGMA user_version = 1", {});
+        } else {
+            c->query("CREATE TABLE schema_migrations (version INTEGER PRIMARY KEY, name TEXT NOT NULL, "
+                     "applied_at TIMESTAMPTZ NOT NULL DEFAULT now())",
+                     {});
+            c->query("INSERT INTO schema_migrations (version, name) VALUES (1, 'first')", {});
+        }
+        c->query("INSERT INTO users (id, email, email_key, password_hash, created_at) "
+                 "VALUES (1, 'old@example.org', 'old@example.org', '', 1)",
+                 {});
+        c->query("INSERT INTO riot_accounts (id, user_id, puuid, platform, region, is_owner, linked_at) "
+                 "VALUES (1, 1, 'me', 'euw1', 'europe', 1, 1)",
+                 {});
+        c->query("INSERT INTO matches (id, match_id, platform, queue_id, is_ranked, game_creation, game_duration, "
+                 "game_version, game_mode, updated_at, change_seq) "
+                 "VALUES (7, 'EUW1_7', 'EUW1', 420, 1, 1700000000000, 1800, '14.1.1', 'CLASSIC', 1, 3)",
+                 {});
+        c->query(
+            "INSERT INTO participants (id, match_id, puuid, riot_id_game_name, team_id, win, champion_id, "
+            "champion_name, team_position, kills, deaths, assists, total_cs, gold_earned, vision_score, "
+            "damage_to_champions, items) VALUES "
+            "(70, 7, 'me', 'Old \"Name\"', 100, 1, 103, 'Ahri', 'MIDDLE', 5, 1, 9, 210, 12000, 20, 25000, '[3089]'), "
+            "(71, 7, 'them', NULL, 200, 0, 22, 'Ashe', 'BOTTOM', 2, 4, 3, 180, 9000, 15, 14000, '[]')",
+            {});
+        c->commit();
+    }
+
+    auto database = db.open();
+    const auto games = database->read([](Repository& r) { return r.changedGamesOfUser(1, 0, 10); });
+    QCOMPARE(games.size(), size_t(1));
+    QCOMPARE(games[0].match.matchId, std::string("EUW1_7"));
+    QVERIFY(games[0].participantsJson.starts_with(
+        "{\"id\":70,\"match_id\":7,\"puuid\":\"me\",\"riot_id_game_name\":\"Old \\\"Name\\\"\""));
+    QVERIFY(games[0].participantsJson.find(
+                "},{\"id\":71,\"match_id\":7,\"puuid\":\"them\",\"riot_id_game_name\":null") != std::string::npos);
+    const auto earlier =
+        database->read([](Repository& r) { return r.earlierGames("me", std::string("MIDDLE"), 1'800'000'000'000, 5); });
+    QCOMPARE(earlier.size(), size_t(1));
+    QCOMPARE(earlier[0].me.kills, int64_t(5));
 }
 
 void TestSqlConnection::newerSchemaIsRefused() {

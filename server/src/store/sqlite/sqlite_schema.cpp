@@ -131,6 +131,33 @@ const std::vector<Migration>& sqliteMigrations() {
                  value INTEGER NOT NULL))",
              "INSERT INTO change_counter (id, value) VALUES (1, 0)",
          }},
+        {"a user's changes in one index, each game's rows as the app reads them, a player's games by start",
+         {
+             // The sync walks one user's games in change order without reading their whole set.
+             // Kept by the store whenever a game's number, its players or a link changes.
+             R"(CREATE TABLE user_matches (
+                 match_id INTEGER NOT NULL REFERENCES matches(id) ON DELETE CASCADE,
+                 user_id INTEGER NOT NULL REFERENCES users(id) ON DELETE CASCADE,
+                 change_seq INTEGER NOT NULL,
+                 PRIMARY KEY (match_id, user_id)))",
+             "CREATE INDEX user_matches_changes ON user_matches(user_id, change_seq, match_id)",
+             R"(INSERT INTO user_matches (match_id, user_id, change_seq)
+                 SELECT DISTINCT p.match_id, a.user_id, m.change_seq
+                 FROM participants p JOIN riot_accounts a ON a.puuid = p.puuid JOIN matches m ON m.id = p.match_id)",
+             // A game's participant objects, written once when its rows are: a sync page is then
+             // a few hundred reads rather than thousands of rows turned into JSON on every pull.
+             // Empty for games stored before this step until they next change; the store writes
+             // those from the rows.
+             "ALTER TABLE matches ADD COLUMN participants_json TEXT",
+             // A player's earlier games by start time, for the performance score's baseline,
+             // without joining and sorting their whole history for every game scored.
+             "ALTER TABLE participants ADD COLUMN game_creation INTEGER NOT NULL DEFAULT 0",
+             "UPDATE participants SET game_creation = (SELECT m.game_creation FROM matches m WHERE m.id = "
+             "participants.match_id)",
+             "CREATE INDEX participants_history ON participants(puuid, game_creation, match_id)",
+             "CREATE INDEX participants_position_history ON participants(puuid, team_position, game_creation, "
+             "match_id)",
+         }},
     };
     return steps;
 }
