@@ -5,6 +5,8 @@
 #include "config/server_config.h"
 #include "demo/demo_archive.h"
 #include "http/http_server.h"
+#include "riot/rate_limiter.h"
+#include "riot/riot_client.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -44,10 +46,17 @@ int main(int argc, char** argv) {
         const qf::ChampionDirectory champions(championOptions);
 
         qf::AuthService auth(*database, {config.leagueLogin});
-        qf::RiotAccountService riotAccounts(*database);
+        std::unique_ptr<qf::RiotClient> riot;
+        if (!config.riotApiKey.empty()) {
+            qf::RiotApiConfig riotConfig;
+            riotConfig.apiKey = config.riotApiKey;
+            riotConfig.baseOverride = config.riotApiBase;
+            riot = std::make_unique<qf::RiotClient>(riotConfig);
+        }
+        qf::RiotAccountService riotAccounts(*database, riot.get());
         qf::SyncService sync(*database);
         qf::IngestService ingest(*database, champions);
-        qf::SocialService social(*database);
+        qf::SocialService social(*database, riot.get());
 
         qf::Router router;
         qf::ApiSettings settings;
@@ -77,7 +86,12 @@ int main(int argc, char** argv) {
             std::cout << "Sign-in with League is off (not a loopback address; --allow-league-login turns it on)."
                       << std::endl;
 
+        if (riot)
+            std::cout << "Riot API: on" << (config.riotApiBase.empty() ? "" : " (through " + config.riotApiBase + ")")
+                      << std::endl;
         server.run(true);
+        // Requests parked behind a rate-limit window must not hold the stop up.
+        qf::RateLimiter::closeAll();
         std::cout << "quillfern-server stopped." << std::endl;
         return 0;
     } catch (const std::exception& e) {

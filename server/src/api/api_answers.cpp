@@ -189,7 +189,15 @@ std::string profile(const PlayerProfile& p) {
             .endObject();
     }
     // Champion mastery needs the Riot API; without it the list is honestly empty.
-    w.endArray().key("mastery").beginArray().endArray().endObject();
+    w.endArray().key("mastery").beginArray();
+    for (const Mastery& m : p.masteries) {
+        w.beginObject()
+            .field("champion_id", m.championId)
+            .field("champion_level", m.championLevel)
+            .field("champion_points", m.championPoints)
+            .endObject();
+    }
+    w.endArray().endObject();
     return w.take();
 }
 

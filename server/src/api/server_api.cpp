@@ -64,7 +64,7 @@ void installApi(Router& router, ApiServices s, ApiSettings settings, std::functi
             s.riotAccounts.link(user, body.requiredText("riot_id"), body.requiredText("platform"), now())));
     });
     router.add("POST", "/api/riot-accounts/refresh", [s, now](R request) {
-        return HttpResponse::json(answers::riotAccounts(s.riotAccounts.refresh(s.auth.userOf(request, now()))));
+        return HttpResponse::json(answers::riotAccounts(s.riotAccounts.refresh(s.auth.userOf(request, now()), now())));
     });
 
     router.add("GET", "/api/sync", [s, now](R request) {

@@ -20,6 +20,10 @@ Options (each also read from the environment variable shown):
                          (QUILLFERN_ALLOW_LEAGUE_LOGIN=1); it cannot be verified, so it is
                          on by default only when listening on a loopback address
   --static-version V     static-data version to announce (QUILLFERN_STATIC_VERSION; default 16.11.1)
+  --riot-api-key KEY     a Riot API key (RIOT_API_KEY): links by Riot ID, ranks, look-ups;
+                         sent only to the Riot API, never logged
+  --riot-api-base URL    send every Riot API request to URL/ROUTING/PATH instead
+                         (QUILLFERN_RIOT_API_BASE; for tests and caching proxies)
   --threads N            request threads (QUILLFERN_THREADS; default 8)
   --help                 show this text
 )";
@@ -72,6 +76,8 @@ ConfigOutcome parseServerConfig(const std::vector<std::string>& args,
     std::optional<std::string> dataDir = env("QUILLFERN_DATA_DIR");
     std::optional<std::string> version = env("QUILLFERN_STATIC_VERSION");
     std::optional<std::string> threads = env("QUILLFERN_THREADS");
+    std::optional<std::string> riotKey = env("RIOT_API_KEY");
+    std::optional<std::string> riotBase = env("QUILLFERN_RIOT_API_BASE");
     bool demo = truthy(env("QUILLFERN_DEMO"));
     bool allowLeague = truthy(env("QUILLFERN_ALLOW_LEAGUE_LOGIN"));
 
@@ -80,11 +86,11 @@ ConfigOutcome parseServerConfig(const std::vector<std::string>& args,
         std::optional<std::string>* into;
         const char* what;
     };
-    const ValuedOption valued[] = {{"--listen", &listen, "HOST:PORT"},
-                                   {"--database", &database, "an address"},
-                                   {"--data-dir", &dataDir, "a folder"},
-                                   {"--static-version", &version, "a version"},
-                                   {"--threads", &threads, "a number"}};
+    const ValuedOption valued[] = {
+        {"--listen", &listen, "HOST:PORT"},          {"--database", &database, "an address"},
+        {"--data-dir", &dataDir, "a folder"},        {"--static-version", &version, "a version"},
+        {"--threads", &threads, "a number"},         {"--riot-api-key", &riotKey, "a key"},
+        {"--riot-api-base", &riotBase, "an address"}};
 
     for (size_t i = 0; i < args.size(); ++i) {
         const std::string& a = args[i];
@@ -147,6 +153,15 @@ ConfigOutcome parseServerConfig(const std::vector<std::string>& args,
     }
     c.database = database && !database->empty() ? *database : c.dataDir + "/quillfern.sqlite";
     c.demo = demo;
+    if (riotKey)
+        c.riotApiKey = *riotKey;
+    if (riotBase && !riotBase->empty()) {
+        if (riotBase->rfind("http://", 0) != 0 && riotBase->rfind("https://", 0) != 0)
+            return failure("--riot-api-base needs an http:// or https:// address.");
+        c.riotApiBase = *riotBase;
+        while (c.riotApiBase.ends_with('/'))
+            c.riotApiBase.pop_back();
+    }
     c.leagueLogin = allowLeague || isLoopbackHost(c.host);
     return ConfigOutcome{c, {}, 0};
 }

@@ -20,6 +20,8 @@ struct ServerConfig {
     bool leagueLogin = true; // on by default only when listening on a loopback address
     std::string staticVersion = "16.11.1";
     int threads = 8;
+    std::string riotApiKey;  // empty: no Riot API
+    std::string riotApiBase; // empty: Riot's own hosts
 };
 
 struct ConfigOutcome {

@@ -166,11 +166,54 @@ PlayerProfile SocialService::profile(std::string_view riotIdText, const std::str
         if (!platformId)
             throw HttpError(400, "Unknown platform \"" + platform->substr(0, 20) + "\".");
     }
+    if (!m_riot)
+        return profileFromArchive(*riotId, platformId);
+
+    // Without a platform the player's own is the one they were last seen on, if any.
+    std::string where = platformId.value_or("");
+    if (where.empty()) {
+        const std::optional<Player> seen = m_database.read([&](Repository& repository) {
+            return repository.playerByRiotIdKey(foldRiotIdPart(riotId->gameName), foldRiotIdPart(riotId->tagLine));
+        });
+        where = seen ? normalPlatform(seen->platform).value_or("euw1") : "euw1";
+    }
+    const RiotResult<RiotAccountDto> account = m_riot->accountByRiotId(riotId->text(), where);
+    if (account.outcome == RiotOutcome::NotFound)
+        throw HttpError(404, account.text);
+    if (!account.ok()) {
+        // The players this server has seen still answer while Riot cannot.
+        try {
+            return profileFromArchive(*riotId, platformId);
+        } catch (const HttpError&) {
+            throw HttpError(503, account.text);
+        }
+    }
+    PlayerProfile profile;
+    profile.puuid = account.value.puuid;
+    profile.gameName = account.value.gameName;
+    profile.tagLine = account.value.tagLine;
+    profile.platform = where;
+    const auto entries = m_riot->leagueEntriesByPuuid(profile.puuid, where);
+    if (entries.ok()) {
+        for (const LeagueEntryDto& e : entries.value)
+            profile.ranks.push_back(RankEntry{e.queueType, e.tier, e.division, e.leaguePoints, e.wins, e.losses});
+    }
+    const auto masteries = m_riot->topMasteriesByPuuid(profile.puuid, where, profileMasteries);
+    if (masteries.ok()) {
+        for (const ChampionMasteryDto& m : masteries.value)
+            profile.masteries.push_back(Mastery{m.championId, m.championLevel, m.championPoints});
+    }
+    if (!entries.ok() && !masteries.ok())
+        throw HttpError(503, entries.text);
+    return profile;
+}
+
+PlayerProfile SocialService::profileFromArchive(const RiotId& riotId, const std::optional<std::string>& platformId) {
     return m_database.read([&](Repository& repository) {
         const std::optional<Player> player =
-            repository.playerByRiotIdKey(foldRiotIdPart(riotId->gameName), foldRiotIdPart(riotId->tagLine));
+            repository.playerByRiotIdKey(foldRiotIdPart(riotId.gameName), foldRiotIdPart(riotId.tagLine));
         if (!player)
-            throw HttpError(404, "No player named " + riotId->text() + " has been seen on this server.");
+            throw HttpError(404, "No player named " + riotId.text() + " has been seen on this server.");
         PlayerProfile profile;
         profile.puuid = player->puuid;
         profile.gameName = player->gameName;

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "riot/riot_client.h"
 #include "store/database.h"
+
+#include "text/riot_id.h"
 
 #include <optional>
 #include <string>
@@ -52,31 +55,44 @@ struct RankEntry {
     std::optional<int64_t> leaguePoints, wins, losses;
 };
 
+struct Mastery {
+    int64_t championId = 0;
+    int64_t championLevel = 0;
+    int64_t championPoints = 0;
+};
 struct PlayerProfile {
     std::string puuid;
     std::optional<std::string> gameName, tagLine;
     std::string platform;
     std::vector<RankEntry> ranks;
+    std::vector<Mastery> masteries; // highest points first; only the Riot API knows them
 };
 
 class SocialService {
 public:
     static constexpr int64_t minimumDuoGames = 3;
 
-    explicit SocialService(Database& database) : m_database(database) {}
+    // Champions shown on a profile, at most.
+    static constexpr int profileMasteries = 10;
+    // riot: null without a key.
+    explicit SocialService(Database& database, const RiotClient* riot = nullptr) : m_database(database), m_riot(riot) {}
 
     // Team-mates in at least three of the user's games, most games first.
     std::vector<Duo> duos(int64_t userId);
     // Every game the user played on the same team as puuid. HttpError 404 for a player never seen.
     FriendRecord friendRecord(int64_t userId, std::string_view puuid);
-    // A player seen in stored games, by Riot ID. HttpError 400/404.
+    // Any player by Riot ID: from the Riot API (account, ranks, top champion mastery) when a key
+    // is set and it answers, else a player seen in stored games. HttpError 400/404.
     PlayerProfile profile(std::string_view riotId, const std::string* platform);
     // The stored timeline summary of one of the user's games, from their side, as JSON text.
     // HttpError 404 when the user has no such game or it has no timeline.
     std::string timeline(int64_t userId, std::string_view riotMatchId);
 
 private:
+    [[nodiscard]] PlayerProfile profileFromArchive(const RiotId& riotId, const std::optional<std::string>& platform);
+
     Database& m_database;
+    const RiotClient* m_riot;
 };
 
 // "Gold II", "Master"; nullopt without a tier. Pure.
