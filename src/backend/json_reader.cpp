@@ -3,29 +3,31 @@
 #include "backend/json_keys.h"
 
 #include <QJsonDocument>
-#include <QJsonParseError>
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstring>
-#include <limits>
+#include <simdjson.h>
 #include <string_view>
 #include <unordered_map>
 
-// The parsed form of one answer. Values sit in one flat list of nodes; an object's members and
-// a list's elements are contiguous runs in their own lists. Texts stay where they are in the
-// answer's bytes unless they had escapes, and become QStrings only when a record reads them.
+// The parsed form of one answer. simdjson checks the grammar and the UTF-8, reads the numbers
+// and resolves the escapes; this index over its document adds what records need on top: keys
+// after the snake_case conversion, one member per converted name, and any member or element
+// reachable without a walk. Values sit in one flat list of nodes; an object's members and a
+// list's elements are contiguous runs in their own lists.
 struct JsonTree {
     enum class Kind : quint8 { Null, Bool, Integer, Real, String, List, Object };
 
     struct Node {
         Kind kind = Kind::Null;
-        bool flag = false; // Bool: the value; String: the text lives in `unescaped`
+        bool flag = false; // Bool: the value
         quint32 size = 0;  // String: bytes; List and Object: entries
         union {
             qint64 integer = 0;
             double real;
-            quint32 first; // String: byte offset; List and Object: first entry
+            quint32 first;    // List and Object: first entry
+            const char* text; // String: in the document's own text buffer
         };
     };
 
@@ -39,11 +41,10 @@ struct JsonTree {
         QByteArray name;   // after the snake_case conversion, UTF-8
         QString text;      // the same name, for map keys and error texts
         quint32 canonical; // the first key with the same converted name
-        bool plain;        // written without escapes
     };
 
-    QByteArray source;
-    QByteArray unescaped;
+    simdjson::dom::document document;
+    std::size_t sourceSize = 0;
     std::vector<Node> nodes;
     std::vector<Member> members;
     std::vector<quint32> elements;
@@ -56,7 +57,7 @@ struct JsonTree {
     JsonTree& operator=(const JsonTree&) = delete;
 
     [[nodiscard]] QString string(const Node& node) const {
-        const char* text = (node.flag ? unescaped.constData() : source.constData()) + node.first;
+        const char* text = node.text;
         if (node.size == 0 || node.size > 24)
             return QString::fromUtf8(text, node.size);
         // A page repeats its short texts (positions, tiers, champions, tags) hundreds of times:
@@ -107,378 +108,177 @@ QString kindText(Kind kind) {
     return QStringLiteral("an unknown value");
 }
 
-// A strict RFC 8259 parser into a JsonTree. Backend answers are never deeply nested; a hostile
-// one is cut off long before the stack is at risk.
-class Parser {
+[[noreturn]] void notJson(simdjson::error_code error) {
+    throw DecodingFailure(
+        QStringLiteral("The given data was not valid JSON (%1).").arg(QLatin1String(simdjson::error_message(error))));
+}
+
+bool isHex(char c) {
+    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
+
+// The \uXXXX escape at text[at] (its backslash), or -1 when there is none.
+int escapedUnit(std::string_view text, std::size_t at) {
+    if (at + 6 > text.size() || text[at] != '\\' || text[at + 1] != 'u')
+        return -1;
+    int unit = 0;
+    for (std::size_t i = at + 2; i < at + 6; ++i) {
+        if (!isHex(text[i]))
+            return -1;
+        unit = unit * 16 + (text[i] <= '9' ? text[i] - '0' : (text[i] | 0x20) - 'a' + 10);
+    }
+    return unit;
+}
+
+bool fitsInteger(std::string_view token) {
+    if (token.starts_with('-')) {
+        qint64 value = 0;
+        return std::from_chars(token.data(), token.data() + token.size(), value).ec != std::errc::result_out_of_range;
+    }
+    quint64 value = 0;
+    return std::from_chars(token.data(), token.data() + token.size(), value).ec != std::errc::result_out_of_range;
+}
+
+// simdjson refuses two things that a backend answer may carry and that decoding has a use for:
+// an escaped surrogate without its partner (it stands for U+FFFD, as a decoder of UTF-16 would
+// read it), and an integer beyond 64 bits (a number, only not an integer: a record asking for
+// one names it). Both are rewritten into what simdjson reads with the same meaning; nothing
+// comes back when there was nothing to rewrite.
+std::optional<std::string> withLenientForms(std::string_view text) {
+    std::string out;
+    out.reserve(text.size() + 16);
+    bool changed = false;
+    bool inString = false;
+    for (std::size_t i = 0; i < text.size();) {
+        const char c = text[i];
+        if (inString) {
+            if (c == '"') {
+                inString = false;
+            } else if (c == '\\') {
+                const int unit = escapedUnit(text, i);
+                if (unit < 0xD800 || unit > 0xDFFF) {
+                    const std::size_t length = unit < 0 ? std::min<std::size_t>(2, text.size() - i) : 6;
+                    out.append(text.substr(i, length));
+                    i += length;
+                    continue;
+                }
+                const int low = unit <= 0xDBFF ? escapedUnit(text, i + 6) : -1;
+                if (low >= 0xDC00 && low <= 0xDFFF) {
+                    out.append(text.substr(i, 12));
+                    i += 12;
+                } else {
+                    out.append("\\ufffd");
+                    changed = true;
+                    i += 6;
+                }
+                continue;
+            }
+            out += c;
+            ++i;
+            continue;
+        }
+        if (c == '"') {
+            inString = true;
+        } else if (c == '-' || (c >= '0' && c <= '9')) {
+            std::size_t end = i + 1;
+            bool integral = true;
+            while (end < text.size() &&
+                   ((text[end] >= '0' && text[end] <= '9') || text[end] == '.' || text[end] == 'e' ||
+                    text[end] == 'E' || text[end] == '+' || text[end] == '-')) {
+                integral = integral && text[end] >= '0' && text[end] <= '9';
+                ++end;
+            }
+            const std::string_view token = text.substr(i, end - i);
+            out.append(token);
+            if (integral && !fitsInteger(token)) {
+                out.append("e0");
+                changed = true;
+            }
+            i = end;
+            continue;
+        }
+        out += c;
+        ++i;
+    }
+    if (!changed)
+        return std::nullopt;
+    return out;
+}
+
+// Builds the index over a parsed document. Backend answers are never deeply nested, and
+// simdjson has already refused documents nested deeper than its limit.
+class Indexer {
 public:
-    static constexpr int maxDepth = 512;
+    explicit Indexer(JsonTree& tree) : m_tree(tree) {}
 
-    explicit Parser(JsonTree& tree)
-        : m_tree(tree), m_begin(tree.source.constData()), m_at(m_begin), m_end(m_begin + tree.source.size()) {}
-
-    void run() {
+    void run(simdjson::dom::element root) {
         // Every member, element and value of a sync page is a node: reserve roughly.
-        m_tree.nodes.reserve(static_cast<std::size_t>(m_end - m_begin) / 12 + 4);
-        m_tree.members.reserve(static_cast<std::size_t>(m_end - m_begin) / 16 + 4);
-        skipSpace();
-        m_tree.root = value(0);
-        skipSpace();
-        if (m_at != m_end)
-            fail("garbage at the end of the document");
+        m_tree.nodes.reserve(m_tree.sourceSize / 12 + 4);
+        m_tree.members.reserve(m_tree.sourceSize / 16 + 4);
+        m_tree.root = value(root, 0);
     }
 
 private:
-    [[noreturn]] void fail(const char* what) const {
-        throw DecodingFailure(QStringLiteral("The given data was not valid JSON (%1 at offset %2).")
-                                  .arg(QLatin1String(what))
-                                  .arg(m_at - m_begin));
-    }
-
-    void skipSpace() {
-        while (m_at < m_end && (*m_at == ' ' || *m_at == '\n' || *m_at == '\r' || *m_at == '\t'))
-            ++m_at;
-    }
-
     quint32 newNode(Kind kind) {
         m_tree.nodes.push_back({});
         m_tree.nodes.back().kind = kind;
         return static_cast<quint32>(m_tree.nodes.size() - 1);
     }
 
-    quint32 value(int depth) {
-        if (m_at == m_end)
-            fail("unexpected end of data");
-        switch (*m_at) {
-        case '{':
-            return object(depth + 1);
-        case '[':
-            return list(depth + 1);
-        case '"': {
-            const Span span = string();
+    quint32 value(simdjson::dom::element element, int depth) {
+        using Type = simdjson::dom::element_type;
+        switch (element.type()) {
+        case Type::OBJECT:
+            return object(simdjson::dom::object(element), depth + 1);
+        case Type::ARRAY:
+            return list(simdjson::dom::array(element), depth + 1);
+        case Type::STRING: {
+            const std::string_view text(element);
             const quint32 index = newNode(Kind::String);
-            JsonTree::Node& node = m_tree.nodes[index];
-            node.first = span.offset;
-            node.size = span.size;
-            node.flag = span.escaped;
+            m_tree.nodes[index].text = text.data();
+            m_tree.nodes[index].size = static_cast<quint32>(text.size());
             return index;
         }
-        case 't':
-            return word("true", Kind::Bool, true);
-        case 'f':
-            return word("false", Kind::Bool, false);
-        case 'n':
-            return word("null", Kind::Null, false);
-        default:
-            if (*m_at == '-' || (*m_at >= '0' && *m_at <= '9'))
-                return number();
-            fail("unexpected character");
+        case Type::INT64: {
+            const quint32 index = newNode(Kind::Integer);
+            m_tree.nodes[index].integer = int64_t(element);
+            return index;
         }
+        case Type::UINT64: {
+            // simdjson keeps only integers beyond qint64 as unsigned: a number, not an integer.
+            const quint32 index = newNode(Kind::Real);
+            m_tree.nodes[index].real = static_cast<double>(uint64_t(element));
+            return index;
+        }
+        case Type::DOUBLE: {
+            const quint32 index = newNode(Kind::Real);
+            m_tree.nodes[index].real = double(element);
+            return index;
+        }
+        case Type::BOOL: {
+            const quint32 index = newNode(Kind::Bool);
+            m_tree.nodes[index].flag = bool(element);
+            return index;
+        }
+        case Type::NULL_VALUE:
+            break;
+        }
+        return newNode(Kind::Null);
     }
 
-    quint32 word(std::string_view text, Kind kind, bool flag) {
-        if (static_cast<std::size_t>(m_end - m_at) < text.size() || std::string_view(m_at, text.size()) != text)
-            fail("unexpected character");
-        m_at += text.size();
-        const quint32 index = newNode(kind);
-        m_tree.nodes[index].flag = flag;
-        return index;
-    }
-
-    static bool isDigit(char c) { return c >= '0' && c <= '9'; }
-
-    quint32 number() {
-        const char* start = m_at;
-        if (*m_at == '-')
-            ++m_at;
-        if (m_at == m_end || !isDigit(*m_at))
-            fail("invalid number");
-        // Integers are read while scanning; anything else goes to from_chars below.
-        quint64 magnitude = 0;
-        bool fits = true;
-        if (*m_at == '0') {
-            ++m_at;
-        } else {
-            while (m_at < m_end && isDigit(*m_at)) {
-                const auto digit = static_cast<quint64>(*m_at - '0');
-                if (magnitude > (std::numeric_limits<quint64>::max() - digit) / 10)
-                    fits = false;
-                else
-                    magnitude = magnitude * 10 + digit;
-                ++m_at;
-            }
-        }
-        bool whole = true;
-        bool negativeExponent = false;
-        if (m_at < m_end && *m_at == '.') {
-            whole = false;
-            ++m_at;
-            if (m_at == m_end || !isDigit(*m_at))
-                fail("invalid number");
-            while (m_at < m_end && isDigit(*m_at))
-                ++m_at;
-        }
-        if (m_at < m_end && (*m_at == 'e' || *m_at == 'E')) {
-            whole = false;
-            ++m_at;
-            if (m_at < m_end && (*m_at == '+' || *m_at == '-'))
-                negativeExponent = *m_at++ == '-';
-            if (m_at == m_end || !isDigit(*m_at))
-                fail("invalid number");
-            while (m_at < m_end && isDigit(*m_at))
-                ++m_at;
-        }
-        if (whole && fits) {
-            // Integers keep every digit; those beyond 64 bits fall back to a double.
-            const bool negative = *start == '-';
-            const quint64 limit = negative ? quint64(1) << 63 : (quint64(1) << 63) - 1;
-            if (magnitude <= limit) {
-                const quint32 index = newNode(Kind::Integer);
-                m_tree.nodes[index].integer =
-                    negative ? static_cast<qint64>(0 - magnitude) : static_cast<qint64>(magnitude);
-                return index;
-            }
-        }
-        double real = 0;
-        const auto [end, error] = std::from_chars(start, m_at, real);
-        if (error == std::errc::result_out_of_range && negativeExponent)
-            real = *start == '-' ? -0.0 : 0.0; // too small to hold: it is zero
-        else if (error != std::errc() || end != m_at)
-            fail("number out of range");
-        const quint32 index = newNode(Kind::Real);
-        m_tree.nodes[index].real = real;
-        return index;
-    }
-
-    struct Span {
-        quint32 offset;
-        quint32 size;
-        bool escaped;
-    };
-
-    // Checks that [from, to) is well-formed UTF-8: no overlong forms, surrogates or values
-    // beyond U+10FFFF.
-    void validateUtf8(const char* from, const char* to) {
-        const auto* s = reinterpret_cast<const unsigned char*>(from);
-        const auto* end = reinterpret_cast<const unsigned char*>(to);
-        while (s < end) {
-            const unsigned char c = *s;
-            if (c < 0x80) {
-                ++s;
-                continue;
-            }
-            int length = 0;
-            char32_t code = 0;
-            char32_t least = 0;
-            if ((c & 0xE0) == 0xC0) {
-                length = 2, code = c & 0x1F, least = 0x80;
-            } else if ((c & 0xF0) == 0xE0) {
-                length = 3, code = c & 0x0F, least = 0x800;
-            } else if ((c & 0xF8) == 0xF0) {
-                length = 4, code = c & 0x07, least = 0x10000;
-            } else {
-                m_at = reinterpret_cast<const char*>(s);
-                fail("invalid UTF-8 in a string");
-            }
-            if (end - s < length) {
-                m_at = reinterpret_cast<const char*>(s);
-                fail("invalid UTF-8 in a string");
-            }
-            for (int i = 1; i < length; ++i) {
-                if ((s[i] & 0xC0) != 0x80) {
-                    m_at = reinterpret_cast<const char*>(s);
-                    fail("invalid UTF-8 in a string");
-                }
-                code = (code << 6) | (s[i] & 0x3F);
-            }
-            if (code < least || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF)) {
-                m_at = reinterpret_cast<const char*>(s);
-                fail("invalid UTF-8 in a string");
-            }
-            s += length;
-        }
-    }
-
-    // Reads a string starting at its opening quote.
-    Span string() {
-        ++m_at;
-        const char* start = m_at;
-        bool high = false;
-        // Eight bytes at a time while none is a quote, a backslash, a control character or
-        // beyond ASCII.
-        constexpr quint64 ones = 0x0101010101010101ULL;
-        constexpr quint64 highs = 0x8080808080808080ULL;
-        while (m_end - m_at >= 8) {
-            quint64 word;
-            std::memcpy(&word, m_at, 8);
-            const quint64 quote = word ^ (ones * '"');
-            const quint64 slash = word ^ (ones * '\\');
-            const quint64 special =
-                ((quote - ones) & ~quote) | ((slash - ones) & ~slash) | ((word - ones * 0x20) & ~word) | word;
-            if (special & highs)
-                break;
-            m_at += 8;
-        }
-        while (m_at < m_end) {
-            const auto c = static_cast<unsigned char>(*m_at);
-            if (c == '"') {
-                if (high)
-                    validateUtf8(start, m_at);
-                const Span span{static_cast<quint32>(start - m_begin), static_cast<quint32>(m_at - start), false};
-                ++m_at;
-                return span;
-            }
-            if (c == '\\')
-                return escapedString(start);
-            if (c < 0x20)
-                fail("control character in a string");
-            high |= c >= 0x80;
-            ++m_at;
-        }
-        fail("unterminated string");
-    }
-
-    void appendUtf8(QByteArray& out, char32_t code) {
-        if (code < 0x80) {
-            out += static_cast<char>(code);
-        } else if (code < 0x800) {
-            out += static_cast<char>(0xC0 | (code >> 6));
-            out += static_cast<char>(0x80 | (code & 0x3F));
-        } else if (code < 0x10000) {
-            out += static_cast<char>(0xE0 | (code >> 12));
-            out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-            out += static_cast<char>(0x80 | (code & 0x3F));
-        } else {
-            out += static_cast<char>(0xF0 | (code >> 18));
-            out += static_cast<char>(0x80 | ((code >> 12) & 0x3F));
-            out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-            out += static_cast<char>(0x80 | (code & 0x3F));
-        }
-    }
-
-    char32_t hex4() {
-        if (m_end - m_at < 4)
-            fail("invalid escape");
-        char32_t code = 0;
-        for (int i = 0; i < 4; ++i) {
-            const char c = *m_at++;
-            code <<= 4;
-            if (c >= '0' && c <= '9')
-                code |= static_cast<char32_t>(c - '0');
-            else if (c >= 'a' && c <= 'f')
-                code |= static_cast<char32_t>(c - 'a' + 10);
-            else if (c >= 'A' && c <= 'F')
-                code |= static_cast<char32_t>(c - 'A' + 10);
-            else
-                fail("invalid escape");
-        }
-        return code;
-    }
-
-    // The rare string with escapes: resolved into the tree's own buffer.
-    Span escapedString(const char* start) {
-        QByteArray& out = m_tree.unescaped;
-        const auto offset = static_cast<quint32>(out.size());
-        const char* plain = start;
-        bool high = false;
-        auto flushPlain = [&] {
-            if (high)
-                validateUtf8(plain, m_at);
-            out.append(plain, m_at - plain);
-            high = false;
-        };
-        while (m_at < m_end) {
-            const auto c = static_cast<unsigned char>(*m_at);
-            if (c == '"') {
-                flushPlain();
-                ++m_at;
-                return {offset, static_cast<quint32>(out.size()) - offset, true};
-            }
-            if (c < 0x20)
-                fail("control character in a string");
-            if (c != '\\') {
-                high |= c >= 0x80;
-                ++m_at;
-                continue;
-            }
-            flushPlain();
-            ++m_at;
-            if (m_at == m_end)
-                fail("unterminated string");
-            switch (*m_at++) {
-            case '"':
-                out += '"';
-                break;
-            case '\\':
-                out += '\\';
-                break;
-            case '/':
-                out += '/';
-                break;
-            case 'b':
-                out += '\b';
-                break;
-            case 'f':
-                out += '\f';
-                break;
-            case 'n':
-                out += '\n';
-                break;
-            case 'r':
-                out += '\r';
-                break;
-            case 't':
-                out += '\t';
-                break;
-            case 'u': {
-                char32_t code = hex4();
-                if (code >= 0xD800 && code <= 0xDBFF && m_end - m_at >= 6 && m_at[0] == '\\' && m_at[1] == 'u') {
-                    const char* back = m_at;
-                    m_at += 2;
-                    const char32_t low = hex4();
-                    if (low >= 0xDC00 && low <= 0xDFFF)
-                        code = 0x10000 + ((code - 0xD800) << 10) + (low - 0xDC00);
-                    else
-                        m_at = back;
-                }
-                if (code >= 0xD800 && code <= 0xDFFF)
-                    code = 0xFFFD; // a lone surrogate has no UTF-8 form
-                appendUtf8(out, code);
-                break;
-            }
-            default:
-                --m_at;
-                fail("invalid escape");
-            }
-            plain = m_at;
-        }
-        fail("unterminated string");
-    }
-
-    [[nodiscard]] std::string_view spanText(const Span& span) const {
-        const char* base = span.escaped ? m_tree.unescaped.constData() : m_begin;
-        return {base + span.offset, span.size};
-    }
-
-    // Reads a key and finds its entry. Objects in a list repeat the same keys in the same order,
-    // so the key seen at this place last time is tried before the index.
-    quint32 key(int depth, quint32 position) {
+    // Finds the entry of a key. Objects in a list repeat the same keys in the same order, so the
+    // key seen at this place last time is tried before the index.
+    quint32 key(std::string_view text, int depth, quint32 position) {
         quint32* guess = nullptr;
         if (depth < static_cast<int>(m_guesses.size()) && position < m_guesses[0].size()) {
             guess = &m_guesses[depth][position];
             if (*guess) {
-                // The same bytes followed by the closing quote are the same key; a key that
-                // needed escapes is never taken this way.
-                const JsonTree::Key& known = m_tree.keys[*guess - 1];
-                const auto length = known.raw.size();
-                if (known.plain && m_end - m_at > length + 1 && m_at[length + 1] == '"' &&
-                    std::memcmp(m_at + 1, known.raw.constData(), static_cast<std::size_t>(length)) == 0) {
-                    m_at += length + 2;
+                const QByteArray& known = m_tree.keys[*guess - 1].raw;
+                if (static_cast<std::size_t>(known.size()) == text.size() &&
+                    std::memcmp(known.constData(), text.data(), text.size()) == 0)
                     return *guess - 1;
-                }
             }
         }
-        const Span span = string();
-        const std::string_view text = spanText(span);
         quint32 id = 0;
         const auto found = m_keyIndex.find(text);
         if (found != m_keyIndex.end()) {
@@ -486,9 +286,6 @@ private:
         } else {
             JsonTree::Key entry;
             entry.raw = QByteArray(text.data(), static_cast<qsizetype>(text.size()));
-            entry.plain = std::none_of(text.begin(), text.end(), [](char c) {
-                return c == '"' || c == '\\' || static_cast<unsigned char>(c) < 0x20;
-            });
             entry.text = JsonKeys::fromSnakeCase(QString::fromUtf8(entry.raw));
             entry.name = entry.text.toUtf8();
             id = static_cast<quint32>(m_tree.keys.size());
@@ -504,39 +301,14 @@ private:
         return id;
     }
 
-    quint32 object(int depth) {
-        if (depth > maxDepth)
-            fail("too deeply nested");
+    quint32 object(simdjson::dom::object object, int depth) {
         const quint32 index = newNode(Kind::Object);
-        ++m_at;
-        skipSpace();
         const std::size_t base = m_memberStack.size();
-        if (m_at < m_end && *m_at == '}') {
-            ++m_at;
-        } else {
-            for (quint32 position = 0;; ++position) {
-                if (m_at == m_end || *m_at != '"')
-                    fail("expected a key");
-                const quint32 id = key(depth, position);
-                skipSpace();
-                if (m_at == m_end || *m_at != ':')
-                    fail("expected a colon");
-                ++m_at;
-                skipSpace();
-                const quint32 member = value(depth);
-                m_memberStack.push_back({id, member});
-                skipSpace();
-                if (m_at < m_end && *m_at == ',') {
-                    ++m_at;
-                    skipSpace();
-                    continue;
-                }
-                if (m_at < m_end && *m_at == '}') {
-                    ++m_at;
-                    break;
-                }
-                fail("expected a comma or the end of an object");
-            }
+        quint32 position = 0;
+        for (const simdjson::dom::key_value_pair field : object) {
+            const quint32 id = key(field.key, depth, position++);
+            const quint32 member = value(field.value, depth);
+            m_memberStack.push_back({id, member});
         }
         removeDuplicates(base);
         JsonTree::Node& node = m_tree.nodes[index];
@@ -576,31 +348,11 @@ private:
         m_memberStack.insert(m_memberStack.end(), kept.begin(), kept.end());
     }
 
-    quint32 list(int depth) {
-        if (depth > maxDepth)
-            fail("too deeply nested");
+    quint32 list(simdjson::dom::array array, int depth) {
         const quint32 index = newNode(Kind::List);
-        ++m_at;
-        skipSpace();
         const std::size_t base = m_elementStack.size();
-        if (m_at < m_end && *m_at == ']') {
-            ++m_at;
-        } else {
-            for (;;) {
-                m_elementStack.push_back(value(depth));
-                skipSpace();
-                if (m_at < m_end && *m_at == ',') {
-                    ++m_at;
-                    skipSpace();
-                    continue;
-                }
-                if (m_at < m_end && *m_at == ']') {
-                    ++m_at;
-                    break;
-                }
-                fail("expected a comma or the end of a list");
-            }
-        }
+        for (const simdjson::dom::element element : array)
+            m_elementStack.push_back(value(element, depth));
         JsonTree::Node& node = m_tree.nodes[index];
         node.first = static_cast<quint32>(m_tree.elements.size());
         node.size = static_cast<quint32>(m_elementStack.size() - base);
@@ -611,9 +363,6 @@ private:
     }
 
     JsonTree& m_tree;
-    const char* m_begin;
-    const char* m_at;
-    const char* m_end;
     std::vector<JsonTree::Member> m_memberStack;
     std::vector<quint32> m_elementStack;
     std::unordered_map<std::string_view, quint32> m_keyIndex;
@@ -623,18 +372,28 @@ private:
     std::array<std::array<quint32, 48>, 6> m_guesses{}; // key id + 1 by depth and position
 };
 
-// The node lists of the last tree this thread dropped: a sync parses one large page after
-// another, and reusing their memory spares the system a few thousand fresh pages per page.
-struct SpareLists {
+// What the last tree this thread dropped leaves behind: a sync parses one large page after
+// another, and reusing the parser, its document and the node lists spares the system a few
+// thousand fresh pages per page.
+struct Spares {
+    simdjson::dom::parser parser;
+    simdjson::dom::document document;
     std::vector<JsonTree::Node> nodes;
     std::vector<JsonTree::Member> members;
     std::vector<quint32> elements;
 };
-thread_local SpareLists spare;
+thread_local Spares spare;
+
+// Larger buffers than these go back to the system with their tree.
+constexpr std::size_t keepAtMost = 8u << 20;
+// simdjson sizes its buffers by the largest text parsed so far: those of an answer larger than
+// any sync page are not kept.
+constexpr std::size_t keepSourcesUpTo = 16u << 20;
 
 } // namespace
 
 JsonTree::JsonTree() {
+    document = std::move(spare.document);
     nodes.swap(spare.nodes);
     members.swap(spare.members);
     elements.swap(spare.elements);
@@ -644,8 +403,8 @@ JsonTree::JsonTree() {
 }
 
 JsonTree::~JsonTree() {
-    // Keep the larger lists, within reason.
-    constexpr std::size_t keepAtMost = 8u << 20;
+    if (sourceSize <= keepSourcesUpTo)
+        spare.document = std::move(document);
     if (nodes.capacity() > spare.nodes.capacity() && nodes.capacity() * sizeof(Node) <= keepAtMost)
         spare.nodes.swap(nodes);
     if (members.capacity() > spare.members.capacity() && members.capacity() * sizeof(Member) <= keepAtMost)
@@ -656,43 +415,26 @@ JsonTree::~JsonTree() {
 
 namespace {
 
-std::shared_ptr<const JsonTree> parseTree(QByteArray bytes) {
+std::shared_ptr<const JsonTree> parseTree(const QByteArray& bytes) {
     auto tree = std::make_shared<JsonTree>();
-    tree->source = std::move(bytes);
-    Parser(*tree).run();
+    tree->sourceSize = static_cast<std::size_t>(bytes.size());
+    simdjson::dom::element root;
+    auto error = spare.parser.parse_into_document(tree->document, bytes.constData(), tree->sourceSize).get(root);
+    if (error == simdjson::STRING_ERROR || error == simdjson::NUMBER_ERROR) {
+        if (const auto lenient = withLenientForms(std::string_view(bytes.constData(), tree->sourceSize))) {
+            tree->sourceSize = lenient->size();
+            error = spare.parser.parse_into_document(tree->document, lenient->data(), lenient->size()).get(root);
+        }
+    }
+    if (tree->sourceSize > keepSourcesUpTo)
+        spare.parser = simdjson::dom::parser();
+    if (error)
+        notJson(error);
+    Indexer(*tree).run(root);
     return tree;
 }
 
 } // namespace
-
-namespace JsonRead {
-
-QString kindName(const QJsonValue& value) {
-    switch (value.type()) {
-    case QJsonValue::Null:
-        return QStringLiteral("null");
-    case QJsonValue::Bool:
-        return QStringLiteral("a flag");
-    case QJsonValue::Double:
-        return QStringLiteral("a number");
-    case QJsonValue::String:
-        return QStringLiteral("text");
-    case QJsonValue::Array:
-        return QStringLiteral("a list");
-    case QJsonValue::Object:
-        return QStringLiteral("an object");
-    case QJsonValue::Undefined:
-        return QStringLiteral("nothing");
-    }
-    return QStringLiteral("an unknown value");
-}
-
-void mismatch(const QString& path, const char* expected, const QJsonValue& found) {
-    throw DecodingFailure(
-        QStringLiteral("Expected %1 at %2 but found %3.").arg(QLatin1String(expected), where(path), kindName(found)));
-}
-
-} // namespace JsonRead
 
 JsonReader::JsonReader(const QJsonObject& object, QString path)
     : JsonReader(parseTree(QJsonDocument(object).toJson(QJsonDocument::Compact)), 0) {
@@ -709,7 +451,7 @@ JsonReader::~JsonReader() = default;
 JsonReader::JsonReader(JsonReader&&) noexcept = default;
 
 JsonReader JsonReader::fromAnswer(const QByteArray& body) {
-    if (body.trimmed().isEmpty())
+    if (std::all_of(body.begin(), body.end(), [](char c) { return c == ' ' || c == '\n' || c == '\r' || c == '\t'; }))
         throw DecodingFailure(QStringLiteral("The answer has no body; expected a JSON object."));
     auto tree = parseTree(body);
     const Kind top = tree->nodes[tree->root].kind;
@@ -718,21 +460,6 @@ JsonReader JsonReader::fromAnswer(const QByteArray& body) {
                                   .arg(top == Kind::List ? QStringLiteral("a list") : QStringLiteral("a value")));
     const quint32 root = tree->root;
     return JsonReader(std::move(tree), root);
-}
-
-QJsonObject JsonReader::parseDocument(const QByteArray& body) {
-    if (body.trimmed().isEmpty())
-        throw DecodingFailure(QStringLiteral("The answer has no body; expected a JSON object."));
-    QJsonParseError error{};
-    const QJsonDocument document = QJsonDocument::fromJson(body, &error);
-    if (error.error != QJsonParseError::NoError)
-        throw DecodingFailure(QStringLiteral("The given data was not valid JSON (%1 at offset %2).")
-                                  .arg(error.errorString())
-                                  .arg(error.offset));
-    if (!document.isObject())
-        throw DecodingFailure(QStringLiteral("Expected an object at the top level but found %1.")
-                                  .arg(document.isArray() ? QStringLiteral("a list") : QStringLiteral("a value")));
-    return document.object();
 }
 
 QString JsonReader::path() const {

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <QJsonArray>
 #include <QJsonObject>
-#include <QJsonValue>
 #include <QList>
 #include <QMap>
 #include <QString>
@@ -32,9 +30,9 @@ struct JsonTree;
 // snake_case conversion; required fields must be present with the right JSON type, optional
 // ones may be missing or null. Every failure throws DecodingFailure.
 //
-// Answers are parsed straight from their bytes into a compact tree (a sync page carries
-// hundreds of thousands of values); where a key occurs twice after conversion, the later one
-// counts.
+// Answers are parsed by simdjson, which checks them whole before any field is read, and
+// indexed into a compact tree (a sync page carries hundreds of thousands of values); where a key
+// occurs twice after conversion, the later one counts.
 class JsonReader {
 public:
     explicit JsonReader(const QJsonObject& object, QString path = {});
@@ -80,9 +78,6 @@ public:
         return result;
     }
 
-    // Parses a whole answer body whose top level must be an object, into Qt's own JSON types.
-    [[nodiscard]] static QJsonObject parseDocument(const QByteArray& body);
-
 private:
     JsonReader(std::shared_ptr<const JsonTree> owner, quint32 node);
     JsonReader(const JsonTree* tree, quint32 node, const JsonReader* parent, const char* key, qsizetype index);
@@ -111,13 +106,6 @@ private:
     // starts after the last hit.
     mutable quint32 m_hint = 0;
 };
-
-namespace JsonRead {
-// Describes a JSON value's kind for error texts ("text", "a list", …).
-[[nodiscard]] QString kindName(const QJsonValue& value);
-// Fails with the standard mismatch text for the value at path.
-[[noreturn]] void mismatch(const QString& path, const char* expected, const QJsonValue& found);
-} // namespace JsonRead
 
 template <class T> [[nodiscard]] T decodeRecord(const QByteArray& body) {
     return T::decode(JsonReader::fromAnswer(body));
