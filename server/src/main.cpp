@@ -2,6 +2,7 @@
 // database, creates the demo when asked, and serves the app's API until SIGTERM or SIGINT.
 
 #include "api/server_api.h"
+#include "backfill/backfill_worker.h"
 #include "config/server_config.h"
 #include "demo/demo_archive.h"
 #include "http/http_server.h"
@@ -56,7 +57,10 @@ int main(int argc, char** argv) {
         qf::RiotAccountService riotAccounts(*database, riot.get());
         qf::SyncService sync(*database);
         qf::IngestService ingest(*database, champions);
-        qf::SocialService social(*database, riot.get());
+        qf::SocialService social(*database, riot.get(), &champions);
+        std::unique_ptr<qf::BackfillWorker> backfill;
+        if (riot)
+            backfill = std::make_unique<qf::BackfillWorker>(*database, ingest, *riot, qf::unixNowMs);
 
         qf::Router router;
         qf::ApiSettings settings;
@@ -86,12 +90,16 @@ int main(int argc, char** argv) {
             std::cout << "Sign-in with League is off (not a loopback address; --allow-league-login turns it on)."
                       << std::endl;
 
+        if (backfill)
+            backfill->start();
         if (riot)
             std::cout << "Riot API: on" << (config.riotApiBase.empty() ? "" : " (through " + config.riotApiBase + ")")
                       << std::endl;
         server.run(true);
         // Requests parked behind a rate-limit window must not hold the stop up.
         qf::RateLimiter::closeAll();
+        if (backfill)
+            backfill->stop();
         std::cout << "quillfern-server stopped." << std::endl;
         return 0;
     } catch (const std::exception& e) {

@@ -4,6 +4,7 @@
 
 #include "archive/lcu_game_reader.h"
 #include "archive/performance_score.h"
+#include "archive/riot_match_reader.h"
 #include "http/http_message.h"
 
 #include <algorithm>
@@ -72,6 +73,47 @@ void scoreIfNone(Repository& repository, const OwnGame& game, const RiotAccount&
     repository.insertScore(score);
 }
 
+// The League client and the Riot API name every player of a game by different puuids. A game
+// stored from one source and arriving from the other pairs its seats (same side, same champion),
+// which teaches the server each player's second id; then every id is replaced by the one the
+// server answers for that player.
+// Seats are paired only for a trusted copy (the Riot API's, or an upload by a player of the
+// stored game): a made-up copy must not bind a stranger's id to someone else.
+void useStableIds(Repository& repository, ClientGame& client, const std::optional<GameWithRows>& before, bool trusted) {
+    std::vector<Participant>& rows = client.game.participants;
+    if (before && trusted) {
+        for (const Participant& row : rows) {
+            const auto known = [&](const Participant& q) { return q.puuid == row.puuid; };
+            if (std::any_of(before->participants.begin(), before->participants.end(), known))
+                continue;
+            const Participant* seat = nullptr;
+            int seats = 0;
+            for (const Participant& q : before->participants) {
+                if (q.teamId == row.teamId && q.championId == row.championId) {
+                    seat = &q;
+                    ++seats;
+                }
+            }
+            // Modes where one champion is picked twice on a side leave the seat unknown.
+            if (seats == 1 && std::none_of(rows.begin(), rows.end(),
+                                           [&](const Participant& other) { return other.puuid == seat->puuid; }))
+                repository.addPlayerId(row.puuid, seat->puuid);
+        }
+    }
+    std::vector<std::string> ids;
+    for (const Participant& row : rows)
+        ids.push_back(row.puuid);
+    const std::map<std::string, std::string> stable = repository.stablePuuids(ids);
+    if (stable.empty())
+        return;
+    for (Participant& row : rows)
+        if (auto it = stable.find(row.puuid); it != stable.end())
+            row.puuid = it->second;
+    for (Player& player : client.players)
+        if (auto it = stable.find(player.puuid); it != stable.end())
+            player.puuid = it->second;
+}
+
 } // namespace
 
 IngestService::IngestService(Database& database, const ChampionCatalog& champions)
@@ -109,12 +151,37 @@ IngestOutcome IngestService::ingest(json::Element games, int64_t now, const std:
             batch[it->second] = std::move(*game);
     }
 
+    return store(batch, outcome, now, uploader);
+}
+
+IngestOutcome IngestService::ingestRiotMatch(json::Element match, int64_t now) {
+    const std::shared_ptr<const ChampionCatalog> snapshot = m_directory ? m_directory->current() : nullptr;
+    std::optional<ClientGame> game = readRiotMatch(match, snapshot ? *snapshot : *m_fixed);
+    if (!game)
+        return IngestOutcome{0, 1, {}};
+    std::vector<ClientGame> games;
+    games.push_back(std::move(*game));
+    return ingestGames(std::move(games), now);
+}
+
+IngestOutcome IngestService::ingestGames(std::vector<ClientGame> games, int64_t now) {
+    return store(games, IngestOutcome{}, now, nullptr);
+}
+
+IngestOutcome IngestService::store(std::vector<ClientGame>& batch, const IngestOutcome& outcome, int64_t now,
+                                   const std::vector<std::string>* uploader) {
     return m_database.write([&](Repository& repository) {
         IngestOutcome result = outcome;
         std::vector<ClientGame*> stored;
         for (ClientGame& client : batch) {
             GameRecord& game = client.game;
             const std::optional<GameWithRows> before = repository.gameByMatchId(game.match.matchId);
+            useStableIds(repository, client, before,
+                         !uploader || (before && std::any_of(before->participants.begin(), before->participants.end(),
+                                                             [&](const Participant& p) {
+                                                                 return std::find(uploader->begin(), uploader->end(),
+                                                                                  p.puuid) != uploader->end();
+                                                             })));
             if (before) {
                 keepRanks(*before, game);
                 const bool lessComplete = !client.complete && before->participants.size() > game.participants.size();

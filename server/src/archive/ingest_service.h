@@ -2,13 +2,15 @@
 
 #include "archive/champion_catalog.h"
 #include "archive/champion_directory.h"
+#include "archive/lcu_game_reader.h"
 #include "store/database.h"
 #include "json/json_input.h"
 
 #include <string>
 #include <vector>
 
-// Stores games read from a League client, and keeps every linked account's performance scores
+// Stores games read from a League client or the Riot API, one player under one puuid whichever
+// source named them, and keeps every linked account's performance scores
 // up to date with them.
 
 namespace qf {
@@ -35,10 +37,18 @@ public:
     // what a League client says; this keeps the harm one account can do to its own games.)
     IngestOutcome ingest(json::Element games, int64_t now, const std::vector<std::string>* uploader = nullptr);
 
+    // Games read already (the Riot API's, through readRiotMatch), stored the same way in one
+    // write transaction, by no uploader: a game stored already changes only when it differs.
+    IngestOutcome ingestGames(std::vector<ClientGame> games, int64_t now);
+    // One match-v5 game as the Riot API answers it; nothing when it is not a readable game.
+    IngestOutcome ingestRiotMatch(json::Element match, int64_t now);
     // Scores every game of the account that has none yet, oldest first (after a link).
     static void scoreAccount(Repository& repository, const RiotAccount& account);
 
 private:
+    IngestOutcome store(std::vector<ClientGame>& batch, const IngestOutcome& outcome, int64_t now,
+                        const std::vector<std::string>* uploader);
+
     Database& m_database;
     const ChampionCatalog* m_fixed = nullptr;
     const ChampionDirectory* m_directory = nullptr;

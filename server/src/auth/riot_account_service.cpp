@@ -57,7 +57,7 @@ RiotAccount RiotAccountService::link(int64_t userId, std::string_view riotIdText
                 wanted.profileIconId = summoner.value.profileIconId;
                 wanted.summonerLevel = summoner.value.summonerLevel;
             }
-            return linkSeen(userId, wanted, now);
+            return linkSeen(userId, wanted, now, wanted.puuid);
         }
         // Riot's own word that nobody has this name stands; an API that cannot be reached
         // leaves the players this server has seen.
@@ -81,12 +81,27 @@ RiotAccount RiotAccountService::link(int64_t userId, std::string_view riotIdText
     // The platform the player was seen on is a fact; the one picked in a menu a guess.
     wanted.platform = normalPlatform(player->platform).value_or(*platformId);
     wanted.profileIconId = player->profileIconId;
-    return linkSeen(userId, wanted, now);
+    return linkSeen(userId, wanted, now, std::nullopt);
 }
 
-RiotAccount RiotAccountService::linkSeen(int64_t userId, const RiotAccount& wanted, int64_t now) {
+RiotAccount RiotAccountService::linkSeen(int64_t userId, RiotAccount wanted, int64_t now,
+                                         const std::optional<std::string>& riotPuuid) {
     try {
         return m_database.write([&](Repository& repository) {
+            if (riotPuuid) {
+                // The player may be known already under the League client's id: the account
+                // takes the id the server answers for them, and learns Riot's as its second.
+                const std::vector<std::string> ids{*riotPuuid};
+                if (const auto stable = repository.stablePuuids(ids); !stable.empty()) {
+                    wanted.puuid = stable.begin()->second;
+                } else if (const std::optional<Player> seen =
+                               repository.playerByRiotIdKey(foldRiotIdPart(wanted.gameName.value_or("")),
+                                                            foldRiotIdPart(wanted.tagLine.value_or("")));
+                           seen && isClientPuuid(seen->puuid)) {
+                    repository.addPlayerId(*riotPuuid, seen->puuid);
+                    wanted.puuid = seen->puuid;
+                }
+            }
             if (std::optional<RiotAccount> existing = repository.accountByPuuid(wanted.puuid)) {
                 if (existing->userId != userId)
                     throw HttpError(409, "This Riot account is already linked to another user.");
@@ -100,6 +115,8 @@ RiotAccount RiotAccountService::linkSeen(int64_t userId, const RiotAccount& want
             repository.insertAccount(account);
             repository.touchMatchesOf(account.puuid);
             IngestService::scoreAccount(repository, account);
+            if (riotPuuid)
+                repository.requestBackfill(account.id, *riotPuuid, account.platform, now);
             return account;
         });
     } catch (const UniqueViolation&) {
@@ -112,11 +129,12 @@ void RiotAccountService::refreshFromRiot(int64_t userId, int64_t now) {
     struct Fresh {
         RiotAccount account;
         std::optional<std::vector<LeagueEntryDto>> entries;
+        std::string riotPuuid;
     };
     std::vector<Fresh> fresh;
     // Riot is asked outside any transaction: its answers can take seconds under the limits.
     for (const RiotAccount& account : list(userId)) {
-        Fresh f{account, std::nullopt};
+        Fresh f{account, std::nullopt, account.puuid};
         std::string puuid = account.puuid;
         if (isClientPuuid(puuid)) {
             // An account linked from the League client: Riot knows it by its Riot ID.
@@ -127,6 +145,7 @@ void RiotAccountService::refreshFromRiot(int64_t userId, int64_t now) {
             if (!byName.ok())
                 continue;
             puuid = byName.value.puuid;
+            f.riotPuuid = puuid;
         } else if (const RiotResult<RiotAccountDto> named = m_riot->accountByPuuid(puuid, account.platform);
                    named.ok()) {
             f.account.gameName = named.value.gameName;
@@ -152,6 +171,9 @@ void RiotAccountService::refreshFromRiot(int64_t userId, int64_t now) {
             updated.tagLine = f.account.tagLine;
             updated.profileIconId = f.account.profileIconId;
             updated.summonerLevel = f.account.summonerLevel;
+            // Riot's id of the player, and the rest of their history, read in the background.
+            repository.addPlayerId(f.riotPuuid, stored->puuid);
+            repository.requestBackfill(stored->id, f.riotPuuid, stored->platform, now);
             if (updated.gameName != stored->gameName || updated.tagLine != stored->tagLine ||
                 updated.profileIconId != stored->profileIconId || updated.summonerLevel != stored->summonerLevel)
                 repository.updateAccount(updated);

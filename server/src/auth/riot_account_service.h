@@ -29,7 +29,8 @@ public:
     std::vector<RiotAccount> refresh(int64_t userId, int64_t now);
 
 private:
-    RiotAccount linkSeen(int64_t userId, const RiotAccount& wanted, int64_t now);
+    // riotPuuid: the player's id at the Riot API, when Riot named them.
+    RiotAccount linkSeen(int64_t userId, RiotAccount wanted, int64_t now, const std::optional<std::string>& riotPuuid);
     void refreshFromRiot(int64_t userId, int64_t now);
 
     Database& m_database;

@@ -1,5 +1,9 @@
 #include "social/social_service.h"
 
+#include "json/json_input.h"
+
+#include "archive/riot_timeline_summary.h"
+
 #include "http/http_message.h"
 #include "text/platforms.h"
 #include "text/riot_id.h"
@@ -237,18 +241,79 @@ std::string SocialService::timeline(int64_t userId, std::string_view riotMatchId
     static const std::string noTimeline = "This game has no timeline on this server.";
     if (riotMatchId.empty() || riotMatchId.size() > 64)
         throw HttpError(404, noTimeline);
-    return m_database.read([&](Repository& repository) {
+    struct Mine {
+        int64_t matchRowId = 0;
+        std::string puuid;
+        std::optional<std::string> json;
+    };
+    const Mine mine = m_database.read([&](Repository& repository) {
         const std::optional<GameWithRows> game = repository.gameByMatchId(riotMatchId);
         if (!game)
             throw HttpError(404, noTimeline);
-        const auto mine = puuidsOf(repository.accountsOfUser(userId));
+        const auto puuids = puuidsOf(repository.accountsOfUser(userId));
         // Another user's game answers exactly as a game the server does not have.
-        for (const Participant& p : game->participants)
-            if (mine.count(p.puuid))
-                if (std::optional<std::string> json = repository.timelineOf(game->match.id, p.puuid))
-                    return *json;
-        throw HttpError(404, noTimeline);
+        std::optional<Mine> first;
+        for (const Participant& p : game->participants) {
+            if (!puuids.count(p.puuid))
+                continue;
+            if (std::optional<std::string> json = repository.timelineOf(game->match.id, p.puuid))
+                return Mine{game->match.id, p.puuid, std::move(json)};
+            if (!first)
+                first = Mine{game->match.id, p.puuid, std::nullopt};
+        }
+        if (!first)
+            throw HttpError(404, noTimeline);
+        return *first;
     });
+    if (mine.json)
+        return *mine.json;
+    if (!m_riot || !m_champions)
+        throw HttpError(404, noTimeline);
+    return timelineFromRiot(mine.matchRowId, mine.puuid, riotMatchId);
+}
+
+std::string SocialService::timelineFromRiot(int64_t matchRowId, const std::string& ownerPuuid,
+                                            std::string_view riotMatchId) {
+    const RiotResult<std::string> match = m_riot->matchJson(riotMatchId, RiotPriority::Foreground);
+    const RiotResult<std::string> timeline =
+        match.ok() ? m_riot->timelineJson(riotMatchId, RiotPriority::Foreground) : match;
+    if (!timeline.ok()) {
+        if (timeline.outcome == RiotOutcome::NotFound)
+            throw HttpError(404, "Riot keeps no timeline of this game.");
+        throw HttpError(503, timeline.text);
+    }
+    try {
+        const json::Document matchDocument(match.value);
+        const json::Document timelineDocument(timeline.value);
+        // The owner as Riot names them: the game's player whose id is, or stands for, theirs.
+        std::vector<std::string> ids;
+        simdjson::dom::array players;
+        if (matchDocument.root()["metadata"]["participants"].get(players) == simdjson::SUCCESS)
+            for (const json::Element id : players)
+                if (std::string_view text; id.get(text) == simdjson::SUCCESS)
+                    ids.emplace_back(text);
+        const std::map<std::string, std::string> stable =
+            m_database.read([&](Repository& repository) { return repository.stablePuuids(ids); });
+        std::string ownerAtRiot;
+        for (const std::string& id : ids) {
+            const auto it = stable.find(id);
+            if (id == ownerPuuid || (it != stable.end() && it->second == ownerPuuid))
+                ownerAtRiot = id;
+        }
+        const std::optional<std::string> summary =
+            ownerAtRiot.empty() ? std::nullopt
+                                : riotTimelineSummaryJson(matchDocument.root(), timelineDocument.root(), ownerAtRiot,
+                                                          *m_champions->current());
+        if (!summary)
+            throw HttpError(404, "This game's timeline cannot be read.");
+        // Computed once: the next look answers from the archive without asking Riot.
+        m_database.write([&](Repository& repository) { repository.storeTimeline(matchRowId, ownerPuuid, *summary); });
+        return *summary;
+    } catch (const HttpError& e) {
+        if (e.status() == 400) // Riot's answer was not JSON
+            throw HttpError(503, "The Riot API sent an unreadable timeline.");
+        throw;
+    }
 }
 
 } // namespace qf

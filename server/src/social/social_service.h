@@ -1,5 +1,6 @@
 #pragma once
 
+#include "archive/champion_directory.h"
 #include "riot/riot_client.h"
 #include "store/database.h"
 
@@ -75,7 +76,10 @@ public:
     // Champions shown on a profile, at most.
     static constexpr int profileMasteries = 10;
     // riot: null without a key.
-    explicit SocialService(Database& database, const RiotClient* riot = nullptr) : m_database(database), m_riot(riot) {}
+    // champions: names for timelines read from the Riot API (needed with riot).
+    explicit SocialService(Database& database, const RiotClient* riot = nullptr,
+                           const ChampionDirectory* champions = nullptr)
+        : m_database(database), m_riot(riot), m_champions(champions) {}
 
     // Team-mates in at least three of the user's games, most games first.
     std::vector<Duo> duos(int64_t userId);
@@ -84,15 +88,20 @@ public:
     // Any player by Riot ID: from the Riot API (account, ranks, top champion mastery) when a key
     // is set and it answers, else a player seen in stored games. HttpError 400/404.
     PlayerProfile profile(std::string_view riotId, const std::string* platform);
-    // The stored timeline summary of one of the user's games, from their side, as JSON text.
-    // HttpError 404 when the user has no such game or it has no timeline.
+    // The timeline summary of one of the user's games, from their side, as JSON text: the stored
+    // one, else (with the Riot API) match-v5's timeline condensed once and stored. HttpError 404
+    // when the user has no such game or it has no timeline, 503 when Riot cannot be reached.
     std::string timeline(int64_t userId, std::string_view riotMatchId);
 
 private:
     [[nodiscard]] PlayerProfile profileFromArchive(const RiotId& riotId, const std::optional<std::string>& platform);
 
+    [[nodiscard]] std::string timelineFromRiot(int64_t matchRowId, const std::string& ownerPuuid,
+                                               std::string_view riotMatchId);
+
     Database& m_database;
     const RiotClient* m_riot;
+    const ChampionDirectory* m_champions;
 };
 
 // "Gold II", "Master"; nullopt without a tier. Pure.

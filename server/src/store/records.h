@@ -117,6 +117,22 @@ struct PerformanceScore {
     int64_t changeSeq = 0;
 };
 
+// The Riot API backfill of one linked account: reads its match history newest first, page by
+// page, until the newest game of the previous finished run or the end of the history.
+struct Backfill {
+    int64_t riotAccountId = 0;
+    std::string riotPuuid;                // the account's puuid as the Riot API knows it
+    std::string platform;                 // "euw1": routes its requests
+    int64_t nextStart = 0;                // position in the history of the next page
+    int64_t found = 0;                    // match ids read in this run
+    int64_t fetched = 0;                  // of them, games stored (fetched, or already there)
+    std::optional<std::string> runNewest; // the newest match id of this run
+    std::optional<std::string> stopAt;    // the newest match id of the last finished run
+    bool done = false;
+    int64_t claimedUntil = 0; // ms; a worker holds the run until then
+    int64_t updatedAt = 0;
+};
+
 // A game as the ingest path hands it to the store: the match (id and changeSeq unset), its
 // players (id and matchId unset), and optionally the timeline summary as JSON text.
 struct GameRecord {

@@ -338,6 +338,142 @@ std::optional<Player> Repository::playerByRiotIdKey(std::string_view nameKey, st
     return readPlayer(r, 0);
 }
 
+// --- One player, two ids -------------------------------------------------------------------------
+
+std::map<std::string, std::string> Repository::stablePuuids(std::span<const std::string> ids) {
+    std::map<std::string, std::string> out;
+    static constexpr size_t kMostAtOnce = 16;
+    for (size_t start = 0; start < ids.size(); start += kMostAtOnce) {
+        const size_t n = std::min(kMostAtOnce, ids.size() - start);
+        std::string sql = "SELECT alias, puuid FROM player_ids WHERE alias IN (";
+        std::vector<SqlValue> params;
+        for (size_t i = 0; i < n; ++i) {
+            sql += i ? ", ?" : "?";
+            params.emplace_back(ids[start + i]);
+        }
+        sql += ")";
+        const SqlResult r = m_db.query(sql, params);
+        for (size_t i = 0; i < r.rows(); ++i)
+            out.emplace(r.text(i, 0), r.text(i, 1));
+    }
+    return out;
+}
+
+void Repository::addPlayerId(std::string_view alias, std::string_view stableGiven) {
+    std::string stable(stableGiven);
+    if (const SqlResult r = m_db.query("SELECT puuid FROM player_ids WHERE alias = ?", {stable}); !r.empty())
+        stable = r.text(0, 0);
+    if (alias == stable || alias.empty() || stable.empty())
+        return;
+    if (!m_db.query("SELECT 1 FROM player_ids WHERE alias = ?", {text(alias)}).empty())
+        return;
+    m_db.query("INSERT INTO player_ids (alias, puuid) VALUES (?, ?)", {text(alias), stable});
+    // Ids that pointed at the alias point at the stable id now: one hop always.
+    m_db.query("UPDATE player_ids SET puuid = ? WHERE puuid = ?", {stable, text(alias)});
+
+    const SqlResult touched =
+        m_db.query("SELECT DISTINCT match_id FROM participants WHERE puuid = ? ORDER BY match_id", {text(alias)});
+    if (touched.empty()) {
+        m_db.query("DELETE FROM players WHERE puuid = ? AND EXISTS (SELECT 1 FROM players q WHERE q.puuid = ?)",
+                   {text(alias), stable});
+        m_db.query("UPDATE players SET puuid = ? WHERE puuid = ?", {stable, text(alias)});
+        return;
+    }
+    m_db.query("UPDATE participants SET puuid = ? WHERE puuid = ?", {stable, text(alias)});
+    m_db.query("DELETE FROM timelines WHERE puuid = ? AND EXISTS (SELECT 1 FROM timelines t WHERE t.puuid = ? "
+               "AND t.match_id = timelines.match_id)",
+               {text(alias), stable});
+    m_db.query("UPDATE timelines SET puuid = ? WHERE puuid = ?", {stable, text(alias)});
+    m_db.query("DELETE FROM players WHERE puuid = ? AND EXISTS (SELECT 1 FROM players q WHERE q.puuid = ?)",
+               {text(alias), stable});
+    m_db.query("UPDATE players SET puuid = ? WHERE puuid = ?", {stable, text(alias)});
+    // The games' rows changed: their JSON is written again, and every mirror gets them again.
+    std::vector<int64_t> ids;
+    for (size_t i = 0; i < touched.rows(); ++i)
+        ids.push_back(touched.integer(i, 0));
+    std::map<int64_t, std::vector<Participant>> rows;
+    for (Participant& p : participantsOf(ids))
+        rows[p.matchId].push_back(std::move(p));
+    for (const int64_t id : ids) {
+        const int64_t seq = m_db.nextChangeSeq();
+        m_db.query("UPDATE matches SET change_seq = ?, participants_json = ? WHERE id = ?",
+                   {seq, participantListJson(rows[id]), id});
+        m_db.query("DELETE FROM user_matches WHERE match_id = ?", {id});
+        m_db.query("INSERT INTO user_matches (match_id, user_id, change_seq) " QF_OWNERS_OF_MATCHES
+                   " WHERE p.match_id = ?",
+                   {id});
+    }
+}
+
+// --- Riot API backfills ---------------------------------------------------------------------------
+
+#define QF_BACKFILL_COLUMNS                                                                                            \
+    "riot_account_id, riot_puuid, platform, next_start, found, fetched, run_newest, stop_at, done, claimed_until, "    \
+    "updated_at"
+
+namespace {
+
+Backfill readBackfill(const SqlResult& r, size_t row) {
+    Backfill b;
+    b.riotAccountId = r.integer(row, 0);
+    b.riotPuuid = r.text(row, 1);
+    b.platform = r.text(row, 2);
+    b.nextStart = r.integer(row, 3);
+    b.found = r.integer(row, 4);
+    b.fetched = r.integer(row, 5);
+    if (!r.isNull(row, 6))
+        b.runNewest = r.text(row, 6);
+    if (!r.isNull(row, 7))
+        b.stopAt = r.text(row, 7);
+    b.done = r.integer(row, 8) != 0;
+    b.claimedUntil = r.integer(row, 9);
+    b.updatedAt = r.integer(row, 10);
+    return b;
+}
+
+} // namespace
+
+void Repository::requestBackfill(int64_t riotAccountId, std::string_view riotPuuid, std::string_view platform,
+                                 int64_t now) {
+    m_db.query("INSERT INTO backfills (" QF_BACKFILL_COLUMNS ") VALUES (?, ?, ?, 0, 0, 0, NULL, NULL, 0, 0, ?) "
+               "ON CONFLICT (riot_account_id) DO UPDATE SET riot_puuid = excluded.riot_puuid, "
+               "platform = excluded.platform, next_start = 0, found = 0, fetched = 0, run_newest = NULL, done = 0, "
+               "updated_at = excluded.updated_at WHERE backfills.done = 1",
+               {riotAccountId, text(riotPuuid), text(platform), now});
+}
+
+std::optional<Backfill> Repository::claimBackfill(int64_t now, int64_t leaseMs) {
+    // The row's claim is tested again in the UPDATE itself: of two servers racing for one run,
+    // only one changes it.
+    const SqlResult r =
+        m_db.query("UPDATE backfills SET claimed_until = ? WHERE riot_account_id = (SELECT riot_account_id FROM "
+                   "backfills WHERE done = 0 AND claimed_until < ? ORDER BY updated_at LIMIT 1) AND done = 0 AND "
+                   "claimed_until < ? RETURNING " QF_BACKFILL_COLUMNS,
+                   {now + leaseMs, now, now});
+    if (r.empty())
+        return std::nullopt;
+    return readBackfill(r, 0);
+}
+
+void Repository::saveBackfill(const Backfill& b) {
+    m_db.query("UPDATE backfills SET riot_puuid = ?, platform = ?, next_start = ?, found = ?, fetched = ?, "
+               "run_newest = ?, stop_at = ?, done = ?, claimed_until = ?, updated_at = ? WHERE riot_account_id = ?",
+               {b.riotPuuid, b.platform, b.nextStart, b.found, b.fetched, sqlOpt(b.runNewest), sqlOpt(b.stopAt),
+                int64_t{b.done}, b.claimedUntil, b.updatedAt, b.riotAccountId});
+}
+
+std::optional<Backfill> Repository::backfillOf(int64_t riotAccountId) {
+    const SqlResult r =
+        m_db.query("SELECT " QF_BACKFILL_COLUMNS " FROM backfills WHERE riot_account_id = ?", {riotAccountId});
+    if (r.empty())
+        return std::nullopt;
+    return readBackfill(r, 0);
+}
+
+bool Repository::hasMatch(std::string_view riotMatchId) {
+    return !m_db.query("SELECT 1 FROM matches WHERE match_id = ?", {text(riotMatchId)}).empty();
+}
+
 // --- Matches and participants -------------------------------------------------------------------
 
 std::optional<GameWithRows> Repository::gameByMatchId(std::string_view riotMatchId) {

@@ -3,6 +3,7 @@
 #include "store/records.h"
 #include "store/sql_connection.h"
 
+#include <map>
 #include <span>
 #include <string_view>
 
@@ -67,6 +68,25 @@ public:
     [[nodiscard]] std::optional<Player> playerByPuuid(std::string_view puuid);
     // The most recently seen player with this folded name and tag.
     [[nodiscard]] std::optional<Player> playerByRiotIdKey(std::string_view nameKey, std::string_view tagKey);
+
+    // --- One player, two ids -------------------------------------------------------------------
+    // The stable puuid of each given id that is another id of a known player (absent: the id is
+    // stable itself, or unknown).
+    [[nodiscard]] std::map<std::string, std::string> stablePuuids(std::span<const std::string> ids);
+    // Records that alias names the same player as stable (which may itself be an alias: its own
+    // stable id is used). Rows stored under alias move to the stable id, and their games get new
+    // change numbers so every mirror receives them again. Nothing when alias is known already.
+    void addPlayerId(std::string_view alias, std::string_view stable);
+
+    // --- Riot API backfills ----------------------------------------------------------------------
+    // Starts a run for the account unless one is under way (finished runs keep their stop_at).
+    void requestBackfill(int64_t riotAccountId, std::string_view riotPuuid, std::string_view platform, int64_t now);
+    // Claims the oldest unfinished run nobody holds, until now + leaseMs.
+    [[nodiscard]] std::optional<Backfill> claimBackfill(int64_t now, int64_t leaseMs);
+    // Stores the run's progress (all fields but the account).
+    void saveBackfill(const Backfill& backfill);
+    [[nodiscard]] std::optional<Backfill> backfillOf(int64_t riotAccountId);
+    [[nodiscard]] bool hasMatch(std::string_view riotMatchId);
 
     // --- Matches and participants -----------------------------------------------------------
     [[nodiscard]] std::optional<GameWithRows> gameByMatchId(std::string_view riotMatchId);

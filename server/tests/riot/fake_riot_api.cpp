@@ -34,19 +34,26 @@ int queryInt(const HttpRequest& request, const std::string& name, int fallback) 
 
 } // namespace
 
+namespace {
+
+std::string readFixture(const std::string& dir, const std::string& name) {
+    std::ifstream file(dir + "/" + name, std::ios::binary);
+    if (!file)
+        throw std::runtime_error("fixture missing: " + dir + "/" + name);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+} // namespace
+
 FakeRiotApi::FakeRiotApi(std::string fixturesDir, std::vector<FakeWindow> appLimits)
     : m_fixturesDir(std::move(fixturesDir)), m_appLimits(std::move(appLimits)) {
     for (const char* name :
          {"account-v1-1.json", "summoner-v4-1.json", "summoner-v4-2.json", "league-v4-entries-1.json",
           "league-v4-entries-3.json", "mastery-v4-2.json", "webapi-error-404-1.json", "webapi-error-404-2.json",
-          "ddragon-versions-1.json", "match-v5-1.json", "match-v5-timeline-1.json"}) {
-        std::ifstream file(m_fixturesDir + "/" + name, std::ios::binary);
-        if (!file)
-            throw std::runtime_error("fixture missing: " + m_fixturesDir + "/" + name);
-        std::ostringstream text;
-        text << file.rdbuf();
-        m_fixtures[name] = text.str();
-    }
+          "ddragon-versions-1.json", "match-v5-1.json", "match-v5-timeline-1.json"})
+        m_fixtures[name] = readFixture(m_fixturesDir, name);
     m_accountsByRiotId["ssg xayah#na1"] = m_fixtures["account-v1-1.json"];
     m_accountsByPuuid[kFixturePuuid] = m_fixtures["account-v1-1.json"];
 
@@ -73,7 +80,12 @@ std::string FakeRiotApi::fixtureAccountPuuid() {
 }
 
 std::string FakeRiotApi::fixture(const std::string& name) const {
-    return m_fixtures.at(name);
+    {
+        const std::lock_guard lock(m_mutex);
+        if (const auto it = m_fixtures.find(name); it != m_fixtures.end())
+            return it->second;
+    }
+    return readFixture(m_fixturesDir, name);
 }
 
 void FakeRiotApi::addAccount(const std::string& gameName, const std::string& tagLine, const std::string& puuid) {
@@ -92,6 +104,22 @@ void FakeRiotApi::setMatchHistory(const std::string& puuid, int games) {
         ids.push_back("EUW1_" + std::to_string(7000000000LL - i));
         m_matches[ids.back()] = true;
     }
+}
+
+void FakeRiotApi::addGame(const std::string& puuid, const std::string& matchFixture,
+                          const std::string& timelineFixture) {
+    const std::lock_guard lock(m_mutex);
+    for (const std::string& name : {matchFixture, timelineFixture})
+        if (!m_fixtures.contains(name))
+            m_fixtures[name] = readFixture(m_fixturesDir, name);
+    const std::string& text = m_fixtures[matchFixture];
+    const size_t at = text.find("\"matchId\"");
+    const size_t open = text.find('"', text.find(':', at) + 1);
+    const std::string id = text.substr(open + 1, text.find('"', open + 1) - open - 1);
+    m_realGames[id] = {matchFixture, timelineFixture};
+    m_matches[id] = true;
+    auto& ids = m_histories[puuid];
+    ids.insert(ids.begin(), id);
 }
 
 void FakeRiotApi::dropTimeline(const std::string& matchId) {
@@ -280,15 +308,29 @@ FakeRiotApi::Answer FakeRiotApi::matchIds(HttpRequest& request) {
 }
 
 FakeRiotApi::Answer FakeRiotApi::match(HttpRequest& request) {
-    if (!m_matches.contains(request.pathParams[1]))
+    const std::string& id = request.pathParams[1];
+    if (!m_matches.contains(id))
         return {404, m_fixtures["webapi-error-404-1.json"]};
-    return {200, m_fixtures["match-v5-1.json"]};
+    if (const auto real = m_realGames.find(id); real != m_realGames.end())
+        return {200, m_fixtures[real->second.first]};
+    // The one fixture game under the id asked for, so a history holds as many games as ids.
+    std::string body = m_fixtures["match-v5-1.json"];
+    const size_t cut = id.find('_');
+    const std::string platform = id.substr(0, cut), number = id.substr(cut + 1);
+    for (const auto& [from, to] : {std::pair<std::string, std::string>{"NA1_4223689858", id},
+                                   {"\"gameId\": 4223689858", "\"gameId\": " + number},
+                                   {"\"platformId\": \"NA1\"", "\"platformId\": \"" + platform + "\""}})
+        for (size_t at = body.find(from); at != std::string::npos; at = body.find(from, at + to.size()))
+            body.replace(at, from.size(), to);
+    return {200, body};
 }
 
 FakeRiotApi::Answer FakeRiotApi::timeline(HttpRequest& request) {
     const auto it = m_matches.find(request.pathParams[1]);
     if (it == m_matches.end() || !it->second)
         return {404, m_fixtures["webapi-error-404-1.json"]};
+    if (const auto real = m_realGames.find(it->first); real != m_realGames.end())
+        return {200, m_fixtures[real->second.second]};
     return {200, m_fixtures["match-v5-timeline-1.json"]};
 }
 

@@ -46,8 +46,11 @@ public:
     // answers the fixture summoner, league entries and masteries.
     void addAccount(const std::string& gameName, const std::string& tagLine, const std::string& puuid);
     // The puuid's match history: `games` ids, newest first, each answering the fixture game
-    // match-v5-1.json and the fixture timeline match-v5-timeline-1.json.
+    // match-v5-1.json under its own id and the fixture timeline match-v5-timeline-1.json.
     void setMatchHistory(const std::string& puuid, int games);
+    // The puuid's history gains (as its newest game) a real game with its real timeline, both
+    // served exactly as the fixtures hold them (e.g. "match-v5-5.json", "match-v5-timeline-6.json").
+    void addGame(const std::string& puuid, const std::string& matchFixture, const std::string& timelineFixture);
     // The game's timeline answers 404, as for games Riot keeps none of.
     void dropTimeline(const std::string& matchId);
     // Limits of each method (by path pattern), announced and enforced like the application's.
@@ -109,8 +112,9 @@ private:
     std::map<std::string, std::vector<Window>> m_methodWindows; // per routing value + method
     std::map<std::string, std::string> m_accountsByRiotId;      // "name#tag" → account JSON
     std::map<std::string, std::string> m_accountsByPuuid;
-    std::map<std::string, std::vector<std::string>> m_histories; // puuid → match ids, newest first
-    std::map<std::string, bool> m_matches;                       // id → has a timeline
+    std::map<std::string, std::vector<std::string>> m_histories;            // puuid → match ids, newest first
+    std::map<std::string, bool> m_matches;                                  // id → has a timeline
+    std::map<std::string, std::pair<std::string, std::string>> m_realGames; // id → fixtures
     std::vector<Injection> m_injections;
     std::vector<FakeRequestLog> m_log;
     int m_limitRefusals = 0;

@@ -158,6 +158,30 @@ const std::vector<Migration>& sqliteMigrations() {
              "CREATE INDEX participants_position_history ON participants(puuid, team_position, game_creation, "
              "match_id)",
          }},
+        {"players known by two ids, and the Riot API backfill of each linked account",
+         {
+             // The League client and the Riot API name one player by different puuids; the
+             // server answers one of them (the first it learnt) for both.
+             R"(CREATE TABLE player_ids (
+                 alias TEXT PRIMARY KEY,
+                 puuid TEXT NOT NULL))",
+             "CREATE INDEX player_ids_puuid ON player_ids(puuid)",
+             // One run at a time per account; progress kept so a restart resumes it. A run ends
+             // at the newest game of the previous finished run (stop_at).
+             R"(CREATE TABLE backfills (
+                 riot_account_id INTEGER PRIMARY KEY REFERENCES riot_accounts(id) ON DELETE CASCADE,
+                 riot_puuid TEXT NOT NULL,
+                 platform TEXT NOT NULL,
+                 next_start INTEGER NOT NULL,
+                 found INTEGER NOT NULL,
+                 fetched INTEGER NOT NULL,
+                 run_newest TEXT,
+                 stop_at TEXT,
+                 done INTEGER NOT NULL,
+                 claimed_until INTEGER NOT NULL,
+                 updated_at INTEGER NOT NULL))",
+             "CREATE INDEX backfills_waiting ON backfills(done, claimed_until)",
+         }},
     };
     return steps;
 }
