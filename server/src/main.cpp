@@ -6,6 +6,7 @@
 #include "config/server_config.h"
 #include "demo/demo_archive.h"
 #include "http/http_server.h"
+#include "riot/data_version_keeper.h"
 #include "riot/rate_limiter.h"
 #include "riot/riot_client.h"
 
@@ -65,6 +66,12 @@ int main(int argc, char** argv) {
         qf::Router router;
         qf::ApiSettings settings;
         settings.staticVersion = config.staticVersion;
+        std::unique_ptr<qf::DataVersionKeeper> dataVersion;
+        if (riot) {
+            dataVersion = std::make_unique<qf::DataVersionKeeper>(
+                *riot, config.staticVersion, std::filesystem::path(config.dataDir) / "static-version");
+            settings.currentStaticVersion = [keeper = dataVersion.get()] { return keeper->current(); };
+        }
         qf::installApi(router, {auth, riotAccounts, sync, ingest, social}, settings, qf::unixNowMs);
 
         if (config.demo) {
@@ -92,6 +99,8 @@ int main(int argc, char** argv) {
 
         if (backfill)
             backfill->start();
+        if (dataVersion)
+            dataVersion->start();
         if (riot)
             std::cout << "Riot API: on" << (config.riotApiBase.empty() ? "" : " (through " + config.riotApiBase + ")")
                       << std::endl;
@@ -100,6 +109,8 @@ int main(int argc, char** argv) {
         qf::RateLimiter::closeAll();
         if (backfill)
             backfill->stop();
+        if (dataVersion)
+            dataVersion->stop();
         std::cout << "quillfern-server stopped." << std::endl;
         return 0;
     } catch (const std::exception& e) {

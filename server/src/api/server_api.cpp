@@ -84,7 +84,9 @@ void installApi(Router& router, ApiServices s, ApiSettings settings, std::functi
         return HttpResponse::json(answers::ingest(outcome.ingested, outcome.skipped, outcome.matchIds));
     });
     router.add("GET", "/api/static/version", [settings](R) {
-        return HttpResponse::json(answers::staticVersion(settings.staticVersion, settings.cdnBase));
+        return HttpResponse::json(answers::staticVersion(settings.currentStaticVersion ? settings.currentStaticVersion()
+                                                                                       : settings.staticVersion,
+                                                         settings.cdnBase));
     });
 
     router.add("GET", "/api/stats/duos", [s, now](R request) {

@@ -17,6 +17,8 @@ namespace qf {
 
 struct ApiSettings {
     std::string staticVersion = "16.11.1";
+    // When set, the version of the moment (the newest the CDN announced), over staticVersion.
+    std::function<std::string()> currentStaticVersion;
     std::string cdnBase = "https://ddragon.leagueoflegends.com/cdn";
 };
 

@@ -6,9 +6,11 @@
 
 #include "auth/riot_account_service.h"
 #include "http/http_message.h"
+#include "riot/data_version_keeper.h"
 #include "social/social_service.h"
 #include "store/test_databases.h"
 
+#include <QTemporaryDir>
 #include <QTest>
 
 using namespace qf;
@@ -64,6 +66,7 @@ private Q_SLOTS:
     void linkRefreshAndLookUp_data() { qf::test::addEngineRows(); }
     void linkRefreshAndLookUp();
     void riotUnreachable();
+    void dataVersionKeptAcrossRestarts();
 };
 
 void TestRiotServices::linkRefreshAndLookUp() {
@@ -158,6 +161,29 @@ void TestRiotServices::riotUnreachable() {
     const std::vector<RiotAccount> after = accounts.refresh(user, kNow + 1);
     QCOMPARE(after.size(), size_t(1));
     QCOMPARE(after[0].gameName, std::optional<std::string>("Seen Before"));
+}
+
+// The newest version the CDN lists is announced, and remembered by a server started offline.
+void TestRiotServices::dataVersionKeptAcrossRestarts() {
+    QTemporaryDir folder;
+    const std::filesystem::path file = folder.filePath("static-version").toStdString();
+    {
+        FakeRiotApi fake(QFS_FIXTURES_DIR);
+        const RiotClient riot(configFor(fake.baseUrl(), "key-version"));
+        DataVersionKeeper keeper(riot, "1.0.0", file);
+        QCOMPARE(keeper.current(), std::string("1.0.0"));
+        QVERIFY(keeper.refresh());
+        QCOMPARE(keeper.current(), std::string("11.2.1"));
+    }
+    std::string deadBase;
+    {
+        FakeRiotApi gone(QFS_FIXTURES_DIR);
+        deadBase = gone.baseUrl();
+    }
+    const RiotClient offline(configFor(deadBase, "key-version-offline"));
+    DataVersionKeeper keeper(offline, "1.0.0", file);
+    QVERIFY(!keeper.refresh());
+    QCOMPARE(keeper.current(), std::string("11.2.1"));
 }
 
 QTEST_GUILESS_MAIN(TestRiotServices)
