@@ -138,6 +138,23 @@ void TestRiotBackfill::historyStopsAtStoredGamesAndResumes() {
     QCOMPARE(again->stopAt, std::optional<std::string>("EUW1_7684569678"));
     QCOMPARE(requestsTo(fake, "/lol/match/v5/matches/EUW1_"), 131);
     QVERIFY(database->read([&](Repository& r) { return r.hasMatch("EUW1_7684569678"); }));
+
+    // A game Riot keeps no timeline of, and one whose timeline is of another game: both 404.
+    ChampionDirectoryOptions offline;
+    offline.fetch = false;
+    const ChampionDirectory directory(offline);
+    SocialService social(*database, &riot, &directory);
+    fake.dropTimeline("EUW1_6999999999");
+    for (const auto& [id, text] : {std::pair{"EUW1_6999999999", "Riot keeps no timeline of this game."},
+                                   std::pair{"EUW1_6999999998", "This game's timeline cannot be read."}}) {
+        try {
+            (void)social.timeline(user, id);
+            QFAIL("a timeline was made up");
+        } catch (const HttpError& e) {
+            QCOMPARE(e.status(), 404);
+            QCOMPARE(std::string(e.what()), std::string(text));
+        }
+    }
 }
 
 void TestRiotBackfill::leagueSignInOwnsRiotGames() {
