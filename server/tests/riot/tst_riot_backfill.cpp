@@ -19,6 +19,7 @@
 
 #include <algorithm>
 #include <set>
+#include <thread>
 
 using namespace qf;
 using qf::test::FakeRiotApi;
@@ -87,6 +88,7 @@ class TestRiotBackfill : public QObject {
 private Q_SLOTS:
     void historyStopsAtStoredGamesAndResumes_data() { qf::test::addEngineRows(); }
     void historyStopsAtStoredGamesAndResumes();
+    void personalKeyLimitsAreNeverOverrun();
     void leagueSignInOwnsRiotGames();
     void sameGameFromBothSourcesIsOneMatch();
     void timelineCondensedOnceAndKept();
@@ -155,6 +157,42 @@ void TestRiotBackfill::historyStopsAtStoredGamesAndResumes() {
             QCOMPARE(std::string(e.what()), std::string(text));
         }
     }
+}
+
+// 300 games under a personal key's limits, the two-minute window announced as twelve seconds so
+// the test takes half a minute (the limiter learns windows from the answers, as from Riot's):
+// the fake never has to refuse a request, and a look-up in the middle is answered at once.
+void TestRiotBackfill::personalKeyLimitsAreNeverOverrun() {
+    TestDatabase db("sqlite");
+    QFS_REQUIRE_DATABASE(db);
+    auto database = db.open();
+    FakeRiotApi fake(QFS_FIXTURES_DIR, {{20, 1}, {100, 12}});
+    fake.setMatchHistory(FakeRiotApi::fixtureAccountPuuid(), 300);
+    const RiotClient riot(configFor(fake.baseUrl(), "key-backfill-personal"));
+    IngestService ingest(*database, champions());
+    RiotAccountService accounts(*database, &riot);
+    SocialService social(*database, &riot);
+    const int64_t user = makeUser(*database, "personal@example.org");
+    (void)accounts.link(user, "SSG Xayah#NA1", "na1", kNow);
+
+    BackfillWorker worker(*database, ingest, riot, [] { return kNow; });
+    worker.start();
+    while (database->read([&](Repository& r) { return r.changedGamesOfUser(user, 0, 1000).size(); }) < 120)
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    const auto asked = std::chrono::steady_clock::now();
+    const PlayerProfile profile = social.profile("SSG Xayah#NA1", nullptr);
+    const double waited = std::chrono::duration<double>(std::chrono::steady_clock::now() - asked).count();
+    QVERIFY2(waited < 3.0, qPrintable(QString::number(waited)));
+    QVERIFY(!profile.ranks.empty());
+    for (int i = 0; i < 1200; ++i) {
+        const auto run = database->read([&](Repository& r) { return r.backfillOf(1); });
+        if (run && run->done)
+            break;
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+    worker.stop();
+    QCOMPARE(database->read([&](Repository& r) { return r.changedGamesOfUser(user, 0, 1000).size(); }), size_t(300));
+    QCOMPARE(fake.limitRefusals(), 0);
 }
 
 void TestRiotBackfill::leagueSignInOwnsRiotGames() {
