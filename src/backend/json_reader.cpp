@@ -2,7 +2,11 @@
 
 #include "backend/json_keys.h"
 
+#include <QCoreApplication>
 #include <QJsonDocument>
+#include <QPointer>
+#include <QThread>
+#include <QTimer>
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -390,6 +394,25 @@ constexpr std::size_t keepAtMost = 8u << 20;
 // any sync page are not kept.
 constexpr std::size_t keepSourcesUpTo = 16u << 20;
 
+// The app stays open for hours and answers come in bursts (a sync's pages one after another):
+// once the main thread has parsed nothing for this long, what a sync page left behind (about
+// 10 MB) goes back to the system.
+constexpr int idleBeforeRelease = 5'000;
+
+void releaseSparesWhenIdle() {
+    QCoreApplication* application = QCoreApplication::instance();
+    if (!application || QThread::currentThread() != application->thread())
+        return;
+    static QPointer<QTimer> idle; // a child of the application, which ends it
+    if (!idle) {
+        idle = new QTimer(application);
+        idle->setSingleShot(true);
+        idle->setInterval(idleBeforeRelease);
+        QObject::connect(idle, &QTimer::timeout, [] { spare = Spares(); });
+    }
+    idle->start();
+}
+
 } // namespace
 
 JsonTree::JsonTree() {
@@ -431,6 +454,7 @@ std::shared_ptr<const JsonTree> parseTree(const QByteArray& bytes) {
     if (error)
         notJson(error);
     Indexer(*tree).run(root);
+    releaseSparesWhenIdle();
     return tree;
 }
 
