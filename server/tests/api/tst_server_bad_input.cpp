@@ -50,6 +50,8 @@ class TestServerBadInput : public QObject {
 
 private Q_SLOTS:
     void initTestCase() {
+        if (ClientGames::fixtureGame().isEmpty())
+            QSKIP("the shared fixtures are not next to this repository");
         m_database = std::make_unique<qf::test::TestDatabase>(QStringLiteral("sqlite"));
         TestServer::Options options;
         options.bodyLimit = 1024 * 1024;

@@ -59,6 +59,10 @@ class TestServerProcess : public QObject {
     }
 
 private Q_SLOTS:
+    void initTestCase() {
+        if (ClientGames::fixtureGame().isEmpty())
+            QSKIP("the shared fixtures are not next to this repository");
+    }
     void init() { m_port = freePort(); }
 
     void options_data() {

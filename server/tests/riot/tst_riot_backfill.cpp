@@ -15,6 +15,7 @@
 #include "store/test_databases.h"
 #include "json/json_input.h"
 
+#include <QFileInfo>
 #include <QTest>
 
 #include <algorithm>
@@ -86,6 +87,10 @@ class TestRiotBackfill : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase() {
+        if (!QFileInfo::exists(QStringLiteral(QFS_FIXTURES_DIR "/account-v1-1.json")))
+            QSKIP("the shared fixtures are not next to this repository");
+    }
     void historyStopsAtStoredGamesAndResumes_data() { qf::test::addEngineRows(); }
     void historyStopsAtStoredGamesAndResumes();
     void personalKeyLimitsAreNeverOverrun();

@@ -10,6 +10,7 @@
 #include "social/social_service.h"
 #include "store/test_databases.h"
 
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -63,6 +64,10 @@ class TestRiotServices : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase() {
+        if (!QFileInfo::exists(QStringLiteral(QFS_FIXTURES_DIR "/account-v1-1.json")))
+            QSKIP("the shared fixtures are not next to this repository");
+    }
     void linkRefreshAndLookUp_data() { qf::test::addEngineRows(); }
     void linkRefreshAndLookUp();
     void riotUnreachable();
