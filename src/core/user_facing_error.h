@@ -17,3 +17,16 @@ public:
 private:
     mutable QByteArray m_what;
 };
+
+// An error as the player reads it: a known error's own text, else what the exception says.
+inline QString describeError(const std::exception_ptr& error) {
+    try {
+        std::rethrow_exception(error);
+    } catch (const UserFacingError& known) {
+        return known.description();
+    } catch (const std::exception& other) {
+        return QString::fromUtf8(other.what());
+    } catch (...) {
+        return QStringLiteral("Something went wrong.");
+    }
+}

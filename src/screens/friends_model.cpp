@@ -9,23 +9,6 @@
 #include <QVariantMap>
 #include <cmath>
 
-namespace {
-
-// An error as the player reads it: a known error's own text, else what the exception says.
-QString describe(const std::exception_ptr& error) {
-    try {
-        std::rethrow_exception(error);
-    } catch (const UserFacingError& known) {
-        return known.description();
-    } catch (const std::exception& other) {
-        return QString::fromUtf8(other.what());
-    } catch (...) {
-        return QStringLiteral("Something went wrong.");
-    }
-}
-
-} // namespace
-
 FriendsModel::FriendsModel(QObject* parent)
     : QObject(parent), m_duos(new DuoListModel(this)), m_games(new FriendGameListModel(this)) {}
 
@@ -69,7 +52,7 @@ QCoro::Task<> FriendsModel::fetchDuos() {
     try {
         answer = co_await m_state->client().duos(this);
     } catch (...) {
-        error = SocialTexts::duosError(describe(std::current_exception()));
+        error = SocialTexts::duosError(describeError(std::current_exception()));
     }
     if (!self)
         co_return;
@@ -125,7 +108,7 @@ QCoro::Task<> FriendsModel::fetchRecord(std::optional<QString> riotId, QString p
         setDetail(std::move(record));
     } catch (...) {
         if (self)
-            failLookup(describe(std::current_exception()));
+            failLookup(describeError(std::current_exception()));
     }
 }
 

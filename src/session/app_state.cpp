@@ -1,5 +1,7 @@
 #include "session/app_state.h"
 
+#include "core/user_facing_error.h"
+
 #include "archive/archive_store.h"
 #include "archive/sync_engine.h"
 #include "backend/app_config.h"
@@ -19,18 +21,6 @@ bool isUnauthorized(const std::exception_ptr& error) {
         return backend.kind() == BackendError::Kind::Unauthorized;
     } catch (...) {
         return false;
-    }
-}
-
-QString describe(const std::exception_ptr& error) {
-    try {
-        std::rethrow_exception(error);
-    } catch (const UserFacingError& known) {
-        return known.description();
-    } catch (const std::exception& other) {
-        return QString::fromUtf8(other.what());
-    } catch (...) {
-        return QStringLiteral("Something went wrong.");
     }
 }
 
@@ -236,7 +226,7 @@ void AppState::handle(std::exception_ptr error) {
         m_settings.remove(QLatin1String(authTokenKey));
         setPhase(Phase::SignedOut);
     }
-    setErrorMessage(describe(error));
+    setErrorMessage(describeError(error));
 }
 
 void AppState::setPhase(Phase phase) {

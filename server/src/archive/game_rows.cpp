@@ -184,4 +184,16 @@ std::optional<ClientGame> finishGame(Match match, std::vector<GameRow> rows) {
     return out;
 }
 
+void readFigures(json::Element stats, Participant& p) {
+    p.champLevel = json::optInteger(stats, "champLevel");
+    p.kills = count(stats, "kills");
+    p.deaths = count(stats, "deaths");
+    p.assists = count(stats, "assists");
+    p.totalCs = count(stats, "totalMinionsKilled") + count(stats, "neutralMinionsKilled");
+    p.goldEarned = count(stats, "goldEarned");
+    p.visionScore = count(stats, "visionScore");
+    p.damageToChampions = count(stats, "totalDamageDealtToChampions");
+    p.items = itemSlots(stats);
+}
+
 } // namespace qf::game_rows

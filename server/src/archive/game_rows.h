@@ -59,6 +59,11 @@ inline constexpr int64_t maxCount = 1'000'000'000'000;
 // The seven item slots item0 … item6, when any of them is there; none otherwise.
 [[nodiscard]] std::vector<int64_t> itemSlots(json::Element stats);
 
+// The end-of-game figures both sources name alike (match-v5 on the participant, the League
+// client on its "stats"): level, kills, deaths, assists, creep score (minions and monsters),
+// gold, vision, damage to champions and items.
+void readFigures(json::Element stats, Participant& row);
+
 // One row as a reader made it from its source, before the figures that need the whole game.
 struct GameRow {
     Participant participant;

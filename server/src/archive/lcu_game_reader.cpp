@@ -200,15 +200,7 @@ std::optional<ClientGame> readClientGame(json::Element game, const ChampionCatal
             p.championName = json::text(element, "championName");
         if (lanes)
             p.teamPosition = positionOf(element);
-        p.champLevel = json::optInteger(stats, "champLevel");
-        p.kills = count(stats, "kills");
-        p.deaths = count(stats, "deaths");
-        p.assists = count(stats, "assists");
-        p.totalCs = count(stats, "totalMinionsKilled") + count(stats, "neutralMinionsKilled");
-        p.goldEarned = count(stats, "goldEarned");
-        p.visionScore = count(stats, "visionScore");
-        p.damageToChampions = count(stats, "totalDamageDealtToChampions");
-        p.items = itemSlots(stats);
+        game_rows::readFigures(stats, p);
         if (const auto win = json::member(stats, "win"); win && json::optBoolean(*win))
             p.win = *json::optBoolean(*win);
         else if (const auto it = wonBy.find(json::integer(element, "teamId", 0)); it != wonBy.end())

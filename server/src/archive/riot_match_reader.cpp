@@ -122,15 +122,7 @@ std::optional<ClientGame> readRiotMatch(json::Element match, const ChampionCatal
             p.championName = json::text(element, "championName");
         if (lanes)
             p.teamPosition = positionOf(element);
-        p.champLevel = json::optInteger(element, "champLevel");
-        p.kills = count(element, "kills");
-        p.deaths = count(element, "deaths");
-        p.assists = count(element, "assists");
-        p.totalCs = count(element, "totalMinionsKilled") + count(element, "neutralMinionsKilled");
-        p.goldEarned = count(element, "goldEarned");
-        p.visionScore = count(element, "visionScore");
-        p.damageToChampions = count(element, "totalDamageDealtToChampions");
-        p.items = itemSlots(element);
+        game_rows::readFigures(element, p);
         if (const auto win = json::member(element, "win"); win && json::optBoolean(*win))
             p.win = *json::optBoolean(*win);
         else if (const auto it = wonBy.find(json::integer(element, "teamId", 0)); it != wonBy.end())
