@@ -38,6 +38,13 @@ QNetworkAccessManager& LoopbackSession::network() {
     return *m_network;
 }
 
+void LoopbackSession::abortAll() {
+    if (!m_network)
+        return;
+    for (QNetworkReply* reply : m_network->findChildren<QNetworkReply*>(Qt::FindDirectChildrenOnly))
+        reply->abort();
+}
+
 QCoro::Task<LoopbackSession::Answer> LoopbackSession::get(QNetworkRequest request) {
     // Redirects stay on the same scheme, host and port, so the credentials never travel on.
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::SameOriginRedirectPolicy);

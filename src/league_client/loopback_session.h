@@ -29,10 +29,10 @@ private:
 };
 
 // An HTTP session for servers on this machine that present a self-signed certificate (the
-// League client). It has its own network manager, made on first use, with no proxy and no
-// shared cookies, so nothing sent here mixes with the backend's traffic. A certificate that
-// fails verification is accepted only when the host is exactly "127.0.0.1"; every other host
-// is verified normally.
+// League client, and the game's live data while a game runs). It has its own network manager,
+// made on first use, with no proxy and no shared cookies, so nothing sent here mixes with the
+// backend's traffic. A certificate that fails verification is accepted only when the host is
+// exactly "127.0.0.1"; every other host is verified normally.
 class LoopbackSession {
 public:
     struct Answer {
@@ -47,6 +47,9 @@ public:
 
     // Throws LoopbackTransportError when no answer arrived.
     QCoro::Task<Answer> get(QNetworkRequest request);
+    // Ends every request in flight at once; each one's get() throws OperationCanceledError
+    // before this returns.
+    void abortAll();
 
 private:
     QNetworkAccessManager& network();

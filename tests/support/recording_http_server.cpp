@@ -12,8 +12,8 @@ FakeResponse FakeResponse::text(int status, QByteArray body) {
     return {status, std::move(body), {{"Content-Type", "text/plain"}}};
 }
 
-void RecordingHttpServer::start() {
-    m_port = listen(QHostAddress::LocalHost, 0);
+void RecordingHttpServer::start(quint16 port) {
+    m_port = listen(QHostAddress::LocalHost, port);
 }
 
 QList<RecordedRequest> RecordingHttpServer::requestsTo(const QString& path) const {

@@ -44,8 +44,9 @@ public:
     void clearRequests() { m_requests.clear(); }
 
 protected:
-    // Listens on a free port; TLS servers set up their certificate first.
-    void start();
+    // Listens on the port, or on a free one; TLS servers set up their certificate first. port()
+    // is 0 when the port was taken.
+    void start(quint16 port = 0);
     virtual FakeResponse answer(const RecordedRequest& request) = 0;
 
     bool handleRequest(const QHttpServerRequest& request, QTcpSocket* socket) override;
