@@ -2,6 +2,7 @@ import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
 import QuillFern.App
+import QuillFern.Overlay
 import QuillFern.Screens
 import QuillFern.Session
 import QuillFern.Theme
@@ -10,7 +11,7 @@ import QuillFern.Theme
 Item {
     id: root
     property int selection: NavSection.Overview
-    // The screen of the selected section; none for the sections still to come.
+    // The screen of the selected section.
     readonly property Component sectionView: {
         switch (selection) {
         case NavSection.Overview: return overviewView
@@ -19,6 +20,7 @@ Item {
         case NavSection.Rank: return rankView
         case NavSection.Friends: return friendsView
         case NavSection.Search: return searchView
+        case NavSection.Overlay: return overlayView
         default: return null
         }
     }
@@ -118,6 +120,11 @@ Item {
     Component {
         id: searchView
         SearchView { appState: AppState }
+    }
+
+    Component {
+        id: overlayView
+        OverlayView { overlay: AppState.overlay }
     }
 
     Component {

@@ -4,6 +4,7 @@
 #include "backend/backend_client.h"
 #include "game_data/static_data.h"
 #include "league_client/lcu_discovery.h"
+#include "overlay/overlay_manager.h"
 
 #include <QCoro/QCoroTask>
 #include <QHash>
@@ -34,6 +35,8 @@ class AppState : public QObject {
     Q_PROPERTY(bool hasError READ hasError NOTIFY errorMessageChanged)
     Q_PROPERTY(bool isSyncing READ isSyncing NOTIFY isSyncingChanged)
     Q_PROPERTY(QString lcuStatus READ lcuStatus NOTIFY lcuStatusChanged)
+    // A handle, made with the state and never replaced; the manager notifies of its own changes.
+    Q_PROPERTY(OverlayManager* overlay READ overlayHandle CONSTANT)
 
 public:
     enum class Phase { Loading, SignedOut, SignedIn };
@@ -68,6 +71,9 @@ public:
     [[nodiscard]] BackendClient& client() { return m_client; }
     [[nodiscard]] QSettings& settings() { return m_settings; }
     [[nodiscard]] StaticData& staticData() { return m_staticData; }
+    // The in-game overlay, switched off at every start.
+    [[nodiscard]] OverlayManager& overlay() { return m_overlay; }
+    [[nodiscard]] OverlayManager* overlayHandle() { return &m_overlay; }
 
     // Keeps the store, loads static data and restores the stored session; returns at once.
     void bootstrap(ArchiveStore* store);
@@ -124,6 +130,7 @@ private:
     QSettings& m_settings;
     BackendClient m_client;
     StaticData m_staticData;
+    OverlayManager m_overlay;
     ArchiveStore* m_store = nullptr;
 
     Phase m_phase = Phase::Loading;

@@ -19,6 +19,7 @@ Q_IMPORT_QML_PLUGIN(QuillFern_AppPlugin)
 Q_IMPORT_QML_PLUGIN(QuillFern_ThemePlugin)
 Q_IMPORT_QML_PLUGIN(QuillFern_SessionPlugin)
 Q_IMPORT_QML_PLUGIN(QuillFern_ScreensPlugin)
+Q_IMPORT_QML_PLUGIN(QuillFern_OverlayPlugin)
 
 namespace {
 

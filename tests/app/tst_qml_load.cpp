@@ -14,6 +14,7 @@ Q_IMPORT_QML_PLUGIN(QuillFern_AppPlugin)
 Q_IMPORT_QML_PLUGIN(QuillFern_ThemePlugin)
 Q_IMPORT_QML_PLUGIN(QuillFern_SessionPlugin)
 Q_IMPORT_QML_PLUGIN(QuillFern_ScreensPlugin)
+Q_IMPORT_QML_PLUGIN(QuillFern_OverlayPlugin)
 
 namespace {
 
@@ -192,6 +193,9 @@ private Q_SLOTS:
                                                "matchServerId: 5 }\n";
         QTest::newRow("timeline of a game not stored")
             << imports + "TimelineView { width: 860; height: 720; appState: AppState; matchServerId: 999999 }\n";
+        QTest::newRow("overlay settings")
+            << QStringLiteral("import QtQuick\nimport QuillFern.Overlay\nimport QuillFern.Session\n"
+                              "OverlayView { width: 1000; height: 700; overlay: AppState.overlay }\n");
         QTest::newRow("overview of an empty archive") << imports +
                                                              "OverviewView { width: 1000; height: 700; appState: null; "
                                                              "linkCard: Component { AddAccountCard {} } }\n";

@@ -199,7 +199,8 @@ private Q_SLOTS:
         QElapsedTimer clock;
         clock.start();
         QCOMPARE(describe(runTask(live.snapshot())), QStringLiteral("absent"));
-        QVERIFY2(clock.elapsed() >= 2900 && clock.elapsed() < 6000, qPrintable(QString::number(clock.elapsed())));
+        // Qt's time-out runs on a coarse timer, which may end up to 5 % early.
+        QVERIFY2(clock.elapsed() >= 2850 && clock.elapsed() < 6000, qPrintable(QString::number(clock.elapsed())));
         QCOMPARE(m_game->requestCount(), 1);
     }
 
