@@ -4,10 +4,13 @@
 // synthetic generator; a loopback fake backend answers the few calls a start-up makes.
 
 #include "archive/archive_store.h"
+#include "overlay/overlay_manager.h"
 #include "screens/history_model.h"
 #include "screens/rank_model.h"
 #include "session/app_state.h"
 #include "support/fake_backend.h"
+#include "support/fake_live_game.h"
+#include "support/fake_window_list.h"
 #include "synthetic_archive.h"
 #include "theme/fonts.h"
 #include "theme/game_images.h"
@@ -18,7 +21,9 @@
 #include <QGuiApplication>
 #include <QHash>
 #include <QJsonArray>
+#include <QLinearGradient>
 #include <QNetworkAccessManager>
+#include <QPainter>
 #include <QQmlApplicationEngine>
 #include <QQuickItem>
 #include <QQuickStyle>
@@ -36,6 +41,7 @@ Q_IMPORT_QML_PLUGIN(QuillFern_AppPlugin)
 Q_IMPORT_QML_PLUGIN(QuillFern_ThemePlugin)
 Q_IMPORT_QML_PLUGIN(QuillFern_SessionPlugin)
 Q_IMPORT_QML_PLUGIN(QuillFern_ScreensPlugin)
+Q_IMPORT_QML_PLUGIN(QuillFern_OverlayPlugin)
 
 namespace {
 
@@ -583,6 +589,91 @@ struct Scene {
         settle(300);
     }
 
+    // The overlay screen: off, then switched on with no game running, then with a game whose
+    // window and live data the tour makes up; the strip is pictured over a stand-in of that window.
+    bool tourOverlay(const QDir& out) {
+        bool ok = true;
+        select(6);
+        ok &= shoot(out.filePath("overlay-off.png"));
+
+        OverlayManager& overlay = state->overlay();
+        auto windows = std::make_shared<FakeWindowList>();
+        FakeLiveGame live;
+        const QRectF screen(0, 0, 1920, 1080);
+        const QRectF game(320, 180, 1280, 720);
+        overlay.setSources({windows, [screen] { return WindowLocator::Screens{{screen}, screen}; }, live.port()});
+        overlay.setEnabled(true);
+        settle(300);
+        ok &= shoot(out.filePath("overlay-waiting.png"));
+
+        // Ahri at level 9 with Q 4, W 1, E 3 and her ultimate: Q is the one to level.
+        live.setAnswer(FakeResponse::json(FakeLiveGame::game("Ahri", 9, {{"Q", 4}, {"W", 1}, {"E", 3}, {"R", 1}})));
+        windows->list = QList{WindowListSource::Window{QStringLiteral("League of Legends"), 0, game}};
+        waitUntil([&overlay] { return overlay.controller().isShowing(); });
+        settle(400);
+        ok &= shoot(out.filePath("overlay-live.png"));
+        ok &= shootStrip(overlay.controller(), game, out.filePath("overlay-strip.png"));
+        overlay.setEnabled(false);
+        settle(200);
+        return ok;
+    }
+
+    // The strip's window as the screen would show it: its own pixels with their transparency.
+    // A headless grab has no alpha, so the window is grabbed over black and over white, and each
+    // pixel's coverage is what tells the two apart.
+    static QImage grabWithAlpha(QQuickWindow* panel) {
+        const auto grabOver = [panel](const QColor& backdrop) {
+            panel->setColor(backdrop);
+            panel->update();
+            settle(200);
+            return panel->grabWindow().convertToFormat(QImage::Format_RGB32);
+        };
+        const QImage black = grabOver(Qt::black);
+        const QImage white = grabOver(Qt::white);
+        panel->setColor(Qt::transparent);
+        QImage strip(black.size(), QImage::Format_ARGB32);
+        for (int y = 0; y < strip.height(); ++y) {
+            for (int x = 0; x < strip.width(); ++x) {
+                const QRgb b = black.pixel(x, y);
+                const QRgb w = white.pixel(x, y);
+                const int alpha = std::clamp(255 - (qGreen(w) - qGreen(b)), 0, 255);
+                const auto channel = [alpha](int premultiplied) {
+                    return alpha == 0 ? 0 : std::clamp(premultiplied * 255 / alpha, 0, 255);
+                };
+                strip.setPixel(x, y, qRgba(channel(qRed(b)), channel(qGreen(b)), channel(qBlue(b)), alpha));
+            }
+        }
+        return strip;
+    }
+
+    // The strip's window over a picture standing in for the game window, where the overlay put it.
+    static bool shootStrip(const OverlayController& controller, const QRectF& game, const QString& path) {
+        QQuickWindow* panel = controller.panel();
+        const QImage strip = panel ? grabWithAlpha(panel) : QImage();
+        QImage picture(game.size().toSize(), QImage::Format_ARGB32_Premultiplied);
+        QPainter painter(&picture);
+        QLinearGradient ground(0, 0, 0, picture.height());
+        ground.setColorAt(0, QColor(24, 52, 46));
+        ground.setColorAt(1, QColor(58, 70, 38));
+        painter.fillRect(picture.rect(), ground);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(QColor(90, 96, 60));
+        painter.drawEllipse(QPointF(picture.width() * 0.3, picture.height() * 0.62), 260, 120);
+        painter.setBrush(QColor(40, 84, 120));
+        painter.drawRect(QRectF(0, picture.height() * 0.45, picture.width(), 46));
+        painter.setBrush(QColor(12, 14, 20, 220));
+        painter.drawRect(QRectF(picture.width() / 2 - 260, picture.height() - 90, 520, 90)); // the game's HUD
+        painter.setPen(QColor(255, 255, 255, 120));
+        painter.drawText(QRectF(0, picture.height() - 90, picture.width(), 90), Qt::AlignCenter,
+                         QStringLiteral("stand-in game window (1280 × 720)"));
+        const QPointF origin = QPointF(panel ? panel->position() : QPoint()) - game.topLeft();
+        painter.drawImage(origin, strip);
+        painter.end();
+        const bool saved = !strip.isNull() && picture.save(path);
+        std::printf("%s %s\n", saved ? "wrote" : "FAILED", qPrintable(path));
+        return saved;
+    }
+
     bool shoot(const QString& path) {
         if (!window)
             return false;
@@ -659,8 +750,8 @@ int main(int argc, char* argv[]) {
     }
     {
         Scene full(&archive, true);
-        const char* names[] = {"overview", "history", "champions", "rank", "friends", "search", "overlay"};
-        for (int section = 0; section < 7; ++section) {
+        const char* names[] = {"overview", "history", "champions", "rank", "friends", "search"};
+        for (int section = 0; section < 6; ++section) {
             full.select(section);
             ok &= full.shoot(out.filePath(QString::fromLatin1(names[section]) + ".png"));
         }
@@ -700,6 +791,8 @@ int main(int argc, char* argv[]) {
         ok &= full.shoot(out.filePath("search-profile.png"));
         full.searchFor(QStringLiteral("Nobody#404"));
         ok &= full.shoot(out.filePath("search-error.png"));
+
+        ok &= full.tourOverlay(out);
     }
     return ok ? 0 : 1;
 }
