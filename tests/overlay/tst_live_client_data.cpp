@@ -106,6 +106,10 @@ private Q_SLOTS:
                           R"("R":{"abilityLevel":1}}}})")
             << QStringLiteral("'' level 9223372036854775807 [E9223372036854775807 Q9007199254740992 "
                               "R1 W9007199254740992] time 0");
+        QTest::newRow("JSON beyond simdjson: a 100-bit integer, a lone surrogate")
+            << QByteArray(R"({"activePlayer":{"level":5,"summonerName":"\ud800"},)"
+                          R"("gameData":{"gameTime":12,"id":1234567890123456789012345678901}})")
+            << expected("", 5, {}, 12);
         QTest::newRow("activePlayer missing") << QByteArray(R"({"allPlayers":[]})") << "absent";
         QTest::newRow("activePlayer not an object") << QByteArray(R"({"activePlayer":[]})") << "absent";
         QTest::newRow("top level a list") << QByteArray(R"([{"activePlayer":{}}])") << "absent";

@@ -1,8 +1,8 @@
-#include "support/fake_window_list.h"
 #include "overlay/overlay_manager.h"
 #include "overlay/overlay_view_model.h"
 #include "overlay/skill_strip_model.h"
 #include "support/fake_live_game.h"
+#include "support/fake_window_list.h"
 
 #include <QElapsedTimer>
 #include <QQuickWindow>

@@ -160,7 +160,8 @@ private Q_SLOTS:
         const QRectF expected(100 + 640 - size.width() / 2, 80 + 12, size.width(), size.height());
         QRectF placed;
         QTRY_VERIFY([&] {
-            for (const WindowListSource::Window& window : windows->windows().value_or(QList<WindowListSource::Window>{}))
+            for (const WindowListSource::Window& window :
+                 windows->windows().value_or(QList<WindowListSource::Window>{}))
                 if (window.ownerName != QLatin1String("League of Legends") && window.bounds &&
                     window.bounds->size() == QSizeF(size))
                     placed = *window.bounds;
@@ -179,9 +180,10 @@ private Q_SLOTS:
         const QString xdotool = QStandardPaths::findExecutable(QStringLiteral("xdotool"));
         if (xdotool.isEmpty())
             QSKIP("xdotool is not installed");
-        QCOMPARE(QProcess::execute(xdotool, {QStringLiteral("mousemove"), QString::number(centre.x()),
-                                             QString::number(centre.y()), QStringLiteral("click"), QStringLiteral("1")}),
-                 0);
+        QCOMPARE(
+            QProcess::execute(xdotool, {QStringLiteral("mousemove"), QString::number(centre.x()),
+                                        QString::number(centre.y()), QStringLiteral("click"), QStringLiteral("1")}),
+            0);
         QVERIFY2(game.clickedAt(centre.x(), centre.y()), "the click did not reach the game window");
 
         overlay.setEnabled(false);
