@@ -54,6 +54,21 @@ Value valueOf(const QList<qint64>& v) {
     }
     return text;
 }
+Value valueOf(qint32 v) {
+    return static_cast<qint64>(v);
+}
+Value valueOf(const SharedText& v) {
+    return v.isNull() ? Value{} : Value{v.utf8().toByteArray()};
+}
+Value valueOf(OptionalInt v) {
+    return v ? Value{static_cast<qint64>(*v)} : Value{};
+}
+Value valueOf(OptionalReal v) {
+    return v ? Value{*v} : Value{};
+}
+Value valueOf(const ItemSlots& v) {
+    return valueOf(v.toList());
+}
 template <class T> Value valueOf(const std::optional<T>& v) {
     return v ? valueOf(*v) : Value{};
 }

@@ -1,5 +1,5 @@
+#include "archive/archive_opener.h"
 #include "archive/archive_store.h"
-#include "archive/store_error.h"
 #include "session/app_state.h"
 #include "theme/fonts.h"
 #include "theme/game_images.h"
@@ -14,6 +14,7 @@
 #include <QtQml/QQmlExtensionPlugin>
 #include <cstdio>
 #include <memory>
+#include <optional>
 
 Q_IMPORT_QML_PLUGIN(QuillFern_AppPlugin)
 Q_IMPORT_QML_PLUGIN(QuillFern_ThemePlugin)
@@ -47,12 +48,12 @@ int main(int argc, char* argv[]) {
     QQuickStyle::setStyle(QStringLiteral("Basic"));
     Fonts::load();
 
+    // The archive is read on a thread of its own while the window comes up: a large one takes a
+    // moment, and the window must not look frozen meanwhile. The session starts once the window
+    // has first shown its content and the archive is there, whichever comes last.
     std::unique_ptr<ArchiveStore> store;
-    try {
-        store = std::make_unique<ArchiveStore>(ArchiveStore::defaultPath());
-    } catch (const StoreError& error) {
-        return reportStoreFailure(QStringLiteral("Failed to create the local store: ") + error.description());
-    }
+    ArchiveOpener opener(ArchiveStore::defaultPath());
+    opener.start();
 
     QSettings settings;
     auto network = std::make_unique<QNetworkAccessManager>();
@@ -67,24 +68,45 @@ int main(int argc, char* argv[]) {
     GameImages::exposeToQml(&images);
 
     ImageCacheFactory imageCache;
-    QQmlApplicationEngine engine;
-    engine.setNetworkAccessManagerFactory(&imageCache);
-    engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
-    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/QuillFern/App/Main.qml")));
-    if (engine.rootObjects().isEmpty())
+    auto engine = std::make_unique<QQmlApplicationEngine>();
+    engine->setNetworkAccessManagerFactory(&imageCache);
+    engine->addImportPath(QStringLiteral("qrc:/qt/qml"));
+    engine->load(QUrl(QStringLiteral("qrc:/qt/qml/QuillFern/App/Main.qml")));
+    if (engine->rootObjects().isEmpty())
         return 1;
 
-    // The session is restored once the window has first shown its content.
-    auto* window = qobject_cast<QQuickWindow*>(engine.rootObjects().constFirst());
+    bool drawn = false;
+    const auto startWhenReady = [&] {
+        if (drawn && store)
+            state.bootstrap(store.get());
+    };
+    auto* window = qobject_cast<QQuickWindow*>(engine->rootObjects().constFirst());
     if (window) {
         QObject::connect(
-            window, &QQuickWindow::frameSwapped, &state, [&state, &store] { state.bootstrap(store.get()); },
+            window, &QQuickWindow::frameSwapped, &state,
+            [&] {
+                drawn = true;
+                startWhenReady();
+            },
             Qt::SingleShotConnection);
     } else {
-        state.bootstrap(store.get());
+        drawn = true;
     }
+    QObject::connect(&opener, &ArchiveOpener::opened, &state, [&] {
+        store = opener.takeStore();
+        startWhenReady();
+    });
+    std::optional<QString> failure;
+    QObject::connect(&opener, &ArchiveOpener::failed, &state, [&](const QString& description) {
+        failure = description;
+        QGuiApplication::exit(1);
+    });
 
     const int code = QGuiApplication::exec();
+    if (failure) {
+        engine.reset();
+        return reportStoreFailure(QStringLiteral("Failed to create the local store: ") + *failure);
+    }
     // Requests still in flight end with the network manager, before the state they report to.
     network.reset();
     return code;

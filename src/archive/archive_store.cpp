@@ -7,6 +7,9 @@
 #include <QStandardPaths>
 #include <QStringList>
 #include <sqlite3.h>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 namespace {
 
@@ -81,7 +84,7 @@ static_assert(std::size(migrations) == ArchiveStore::schemaVersion);
 
 template <class Record> QStringList columnNames() {
     QStringList names{QStringLiteral("local_id")};
-    Record probe;
+    const Record probe;
     RecordColumns<Record>::visit(probe, [&](const char* name, auto&) { names << QLatin1String(name); });
     return names;
 }
@@ -108,6 +111,7 @@ ArchiveStore::ArchiveStore(const QString& path, QObject* parent) : QObject(paren
         load(m_participants);
         load(m_rankSnapshots);
         load(m_scores);
+        releaseLoadingMemory();
     } catch (const StoreError& error) {
         // SQLite's "database is locked" would leave the player guessing which program holds it.
         const int primary = error.sqliteCode() & 0xff;
@@ -145,14 +149,28 @@ void ArchiveStore::migrate() {
 }
 
 template <class Record> void ArchiveStore::load(RecordTable<Record>& table) {
+    table.reserve(static_cast<std::size_t>(
+        m_db.queryInteger(QStringLiteral("SELECT count(*) FROM %1").arg(QLatin1String(RecordColumns<Record>::table)))));
     SqliteStatement select(
         m_db, QStringLiteral("SELECT %1 FROM %2 ORDER BY local_id")
                   .arg(columnNames<Record>().join(QStringLiteral(", ")), QLatin1String(RecordColumns<Record>::table)));
     while (select.step()) {
-        auto record = std::make_unique<Record>();
-        select.read(0, record->localId);
+        Record record;
+        select.read(0, record.localId);
+        select.clearNarrowed();
         int column = 1;
-        RecordColumns<Record>::visit(*record, [&](const char*, auto& field) { select.read(column++, field); });
+        RecordColumns<Record>::visit(record, [&](const char*, auto& field) { select.read(column++, field); });
+        if constexpr (std::is_same_v<Record, LocalParticipant>) {
+            // A figure the compact row cannot hold: read the row again as the backend's record.
+            if (select.narrowed()) {
+                ParticipantDto exact;
+                column = 1;
+                RecordColumns<Record>::visit(exact, [&](const char*, auto& field) { select.read(column++, field); });
+                const qint64 localId = record.localId;
+                record = LocalParticipant(exact);
+                record.localId = localId;
+            }
+        }
         table.adopt(std::move(record));
     }
 }
@@ -181,10 +199,29 @@ template <class Record> void ArchiveStore::write(RecordTable<Record>& table) {
     for (const Record* record : pending) {
         insert.bind(1, record->localId);
         int index = 2;
-        RecordColumns<Record>::visit(*record, [&](const char*, const auto& field) { insert.bind(index++, field); });
+        const auto bind = [&](const char*, const auto& field) { insert.bind(index++, field); };
+        if constexpr (std::is_same_v<Record, LocalParticipant>) {
+            if (const ParticipantDto* exact = record->exact()) {
+                RecordColumns<Record>::visit(*exact, bind);
+                insert.step();
+                insert.reset();
+                continue;
+            }
+        }
+        RecordColumns<Record>::visit(*record, bind);
         insert.step();
         insert.reset();
     }
+}
+
+void ArchiveStore::releaseLoadingMemory() {
+    // Reading the whole file filled SQLite's page cache, which later work reads little of, and
+    // left the freed buffers of the reading with the allocator: both go back to the system, so
+    // that what stays resident is the archive itself.
+    sqlite3_db_release_memory(m_db.handle());
+#ifdef __GLIBC__
+    malloc_trim(0);
+#endif
 }
 
 bool ArchiveStore::hasChanges() const {

@@ -53,6 +53,7 @@ Q_SIGNALS:
 
 private:
     void migrate();
+    void releaseLoadingMemory();
     template <class Record> void load(RecordTable<Record>& table);
     template <class Record> void write(RecordTable<Record>& table);
 

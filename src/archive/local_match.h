@@ -1,5 +1,6 @@
 #pragma once
 
+#include "archive/shared_text.h"
 #include "backend/archive_records.h"
 
 #include <QDateTime>
@@ -10,14 +11,14 @@
 struct LocalMatch {
     qint64 localId = 0; // the store's own identity, kept for the record's life
     qint64 serverId = 0;
-    QString matchId;
-    QString platform;
+    SharedText matchId = SharedText::empty();
+    SharedText platform = SharedText::empty();
     qint64 queueId = 0;
     bool isRanked = false;
     std::optional<QDateTime> gameCreation;
     qint64 gameDuration = 0;
-    std::optional<QString> gameVersion;
-    std::optional<QString> gameMode;
+    SharedText gameVersion; // absent when unknown
+    SharedText gameMode;    // absent when unknown
     std::optional<qint64> season;
 
     LocalMatch() = default;

@@ -1,51 +1,70 @@
 #pragma once
 
-#include "archive/keyed_text.h"
+#include "archive/item_slots.h"
+#include "archive/optional_int.h"
+#include "archive/optional_real.h"
+#include "archive/player_name.h"
+#include "archive/shared_text.h"
 #include "backend/archive_records.h"
 
-#include <QList>
 #include <QString>
+#include <memory>
 #include <optional>
 
 // One player's line in one stored game.
 //
-// The order of the fields follows how screens read them. The first cache line (rows start on
-// one) holds what the statistics read for every row: the game, the team, and the keys of the
-// game name and of the player's id, so that a pass over a large archive reads that line and the
-// texts only where a key agrees. The next two hold what the screens read of the user's own rows:
-// the score line, the result, creep score, vision, damage and position.
-struct alignas(64) LocalParticipant {
-    std::optional<PlayerName> riotIdGameName;
+// An archive holds ten of these per game, so the row is kept small: texts are shared (a player's
+// id is a 4-byte number equal in all their games), game figures are 32-bit, items lie in the row.
+// A figure the backend sends beyond 32 bits (or more than seven items) does not fit: the row then
+// shows what fits and keeps the backend's exact record beside it, which is what is written to
+// disk, so nothing the backend sent is lost.
+struct LocalParticipant {
+    // What the statistics read of every row comes first, in the row's first 24 bytes, so that a
+    // pass over all rows fetches little more than that of each.
     qint64 matchServerId = 0;
-    qint64 teamId = 0;
-    PlayerId puuid;
-    qint64 championId = 0;
-    qint64 kills = 0;
-    qint64 deaths = 0;
-    qint64 assists = 0;
-    bool win = false;
-    std::optional<double> csPerMin;
-    qint64 visionScore = 0;
-    qint64 damageToChampions = 0;
-    std::optional<QString> teamPosition;
-    QString championName;
+    SharedText puuid = SharedText::empty();
+    qint32 teamId = 0;
+    PlayerName riotIdGameName; // absent when the backend had none
     qint64 localId = 0;
     qint64 serverId = 0;
-    std::optional<QString> riotIdTagLine;
-    std::optional<qint64> champLevel;
-    qint64 totalCs = 0;
-    qint64 goldEarned = 0;
-    QList<qint64> items;
-    std::optional<double> teamDamagePct;
-    std::optional<double> killParticipation;
-    std::optional<QString> rankTier;
-    std::optional<QString> rankDivision;
-    std::optional<qint64> rankLp;
+    OptionalReal csPerMin;
+    OptionalReal teamDamagePct;
+    OptionalReal killParticipation;
+    SharedText riotIdTagLine;
+    SharedText championName = SharedText::empty();
+    SharedText teamPosition;
+    SharedText rankTier;
+    SharedText rankDivision;
+    qint32 championId = 0;
+    qint32 kills = 0;
+    qint32 deaths = 0;
+    qint32 assists = 0;
+    qint32 totalCs = 0;
+    qint32 goldEarned = 0;
+    qint32 visionScore = 0;
+    qint32 damageToChampions = 0;
+    OptionalInt champLevel;
+    OptionalInt rankLp;
+    ItemSlots items;
+    bool win = false;
 
     LocalParticipant() = default;
     explicit LocalParticipant(const ParticipantDto& dto);
+    LocalParticipant(const LocalParticipant& other);
+    LocalParticipant& operator=(const LocalParticipant& other);
+    LocalParticipant(LocalParticipant&&) noexcept = default;
+    LocalParticipant& operator=(LocalParticipant&&) noexcept = default;
+    ~LocalParticipant();
+
     void update(const ParticipantDto& dto);
+    // The record as the backend sent it: the exact copy when a figure did not fit.
+    [[nodiscard]] ParticipantDto toDto() const;
+    // The backend's record when the row could not hold all of it exactly; null nearly always.
+    [[nodiscard]] const ParticipantDto* exact() const { return m_exact.get(); }
 
     // The Riot ID name when known, else the start of the player's id.
     [[nodiscard]] QString displayName() const;
+
+private:
+    std::unique_ptr<ParticipantDto> m_exact;
 };

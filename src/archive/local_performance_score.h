@@ -1,5 +1,6 @@
 #pragma once
 
+#include "archive/shared_text.h"
 #include "backend/archive_records.h"
 
 #include <QString>
@@ -12,10 +13,10 @@ struct LocalPerformanceScore {
     qint64 riotAccountId = 0;
     qint64 matchServerId = 0;
     qint64 championId = 0;
-    std::optional<QString> teamPosition;
+    SharedText teamPosition; // absent when unknown
     double score = 0;
-    QString componentsJson = QStringLiteral("{}");
-    QString baselineKind = QStringLiteral("self");
+    SharedText componentsJson = QStringLiteral("{}");
+    SharedText baselineKind = QStringLiteral("self");
 
     LocalPerformanceScore() = default;
     explicit LocalPerformanceScore(const PerformanceScoreDto& dto);

@@ -27,11 +27,18 @@ template <> struct RecordColumns<LocalMatch> {
     }
 };
 
+// The same columns for a row as it is held (compact) and as the backend sent it (exact), so that
+// a row whose figures do not fit the compact form is written and read back whole.
 template <> struct RecordColumns<LocalParticipant> {
     static constexpr const char* table = "participants";
     template <class P, class Visit> static void visit(P& p, Visit&& v) {
-        v("server_id", p.serverId);
-        v("match_server_id", p.matchServerId);
+        if constexpr (std::is_same_v<std::remove_const_t<P>, ParticipantDto>) {
+            v("server_id", p.id);
+            v("match_server_id", p.matchId);
+        } else {
+            v("server_id", p.serverId);
+            v("match_server_id", p.matchServerId);
+        }
         v("puuid", p.puuid);
         v("riot_id_game_name", p.riotIdGameName);
         v("riot_id_tag_line", p.riotIdTagLine);

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "archive/record_columns.h"
-#include "archive/text_pool.h"
 
 #include <QtGlobal>
 #include <algorithm>
@@ -12,57 +11,65 @@
 #include <utility>
 #include <vector>
 
-// The in-memory copy of one record type: every stored record, indexed by backend id (and by
-// game for the types that belong to a game), with the changes not yet written to disk.
-// A record keeps its address until the save after its deletion.
+// The in-memory copy of one record type: every stored record, with the changes not yet written
+// to disk. A record keeps its address until the save after its deletion.
+//
+// Records lie in blocks of many, not one allocation each (an allocation costs more than a
+// compact row's figures), and their slots are reused once a save has let go of them. The look-ups
+// by backend id and by game are built when first asked for: a start reads 200,000 player rows
+// that are only ever looked up by game, and only once a sync or a game's detail needs them.
 template <class Record> class RecordTable {
 public:
+    RecordTable() = default;
+    RecordTable(const RecordTable&) = delete;
+    RecordTable& operator=(const RecordTable&) = delete;
+
+    // Room for count records, asked for before a start reads them all: the row list then takes
+    // what it needs rather than twice that.
+    void reserve(std::size_t count) { m_rows.reserve(count); }
+
     // Adds a record not yet in the store and gives it its identity.
-    Record* insert(std::unique_ptr<Record> record) {
-        record->localId = ++m_lastLocalId;
-        Record* raw = record.get();
-        addRow(std::move(record), false);
-        m_toWrite.push_back(raw);
-        return raw;
+    Record* insert(Record&& record) {
+        record.localId = ++m_lastLocalId;
+        Record* placed = place(std::move(record));
+        addRow(placed, false);
+        m_toWrite.push_back(placed);
+        return placed;
     }
+    Record* insert(std::unique_ptr<Record> record) { return insert(std::move(*record)); }
 
     // Takes a record read back from disk. Records arrive in the order of their identity.
-    // Their repeated texts are shared here, when the whole archive is read at a start, and not
-    // when a sync adds records: the sharing costs a look-up per text, which a full first mirror
-    // of a large archive would feel, while a start reads every text anew anyway.
-    void adopt(std::unique_ptr<Record> record) {
-        Q_ASSERT(record->localId > m_lastLocalId);
-        shareTexts(*record);
-        m_lastLocalId = std::max(m_lastLocalId, record->localId);
-        addRow(std::move(record), true);
+    Record* adopt(Record&& record) {
+        Q_ASSERT(record.localId > m_lastLocalId);
+        m_lastLocalId = std::max(m_lastLocalId, record.localId);
+        Record* placed = place(std::move(record));
+        addRow(placed, true);
         m_savedRows = m_rows.size();
+        return placed;
     }
+    Record* adopt(std::unique_ptr<Record> record) { return adopt(std::move(*record)); }
 
     // Call after changing a record's fields so that the next save writes it.
     void markChanged(Record* record) {
-        Row* row = rowOf(record);
-        if (!row || !row->alive)
+        const std::size_t row = rowOf(record);
+        if (row == npos || !m_rows[row].alive)
             return;
-        if constexpr (HasMatchServerId<Record>) {
-            unindexMatch(*row);
-            m_byMatch[record->matchServerId].push_back(record);
-            row->matchKey = record->matchServerId;
-        }
+        // The record may have moved to another game; the index is rebuilt when next asked for.
+        if constexpr (HasMatchServerId<Record>)
+            m_byMatchBuilt = false;
         m_toWrite.push_back(record);
     }
 
     void remove(Record* record) {
-        Row* row = rowOf(record);
-        if (!row || !row->alive)
+        const std::size_t row = rowOf(record);
+        if (row == npos || !m_rows[row].alive)
             return;
-        row->alive = false;
+        m_rows[row].alive = false;
         --m_liveCount;
         ++m_deadRows;
-        if (row->persisted && !m_wipe)
+        if (m_rows[row].persisted && !m_wipe)
             m_toDelete.push_back(record->localId);
-        unindexServer(record);
-        if constexpr (HasMatchServerId<Record>)
-            unindexMatch(*row);
+        unindex(record);
     }
 
     void removeAll() {
@@ -74,12 +81,12 @@ public:
         m_toDelete.clear();
         m_byServer.clear();
         m_byMatch.clear();
-        m_texts.clear();
         m_wipe = true;
     }
 
     // Records whose backend id is one of ids, oldest first.
     [[nodiscard]] std::vector<Record*> withServerIds(const std::unordered_set<qint64>& ids) const {
+        buildServerIndex();
         std::vector<Record*> result;
         for (qint64 id : ids) {
             auto [first, last] = m_byServer.equal_range(id);
@@ -92,6 +99,7 @@ public:
     }
 
     [[nodiscard]] std::vector<Record*> withMatchServerId(qint64 matchServerId) const requires HasMatchServerId<Record> {
+        buildMatchIndex();
         auto found = m_byMatch.find(matchServerId);
         return found == m_byMatch.end() ? std::vector<Record*>{} : found->second;
     }
@@ -102,7 +110,7 @@ public:
         result.reserve(m_liveCount);
         for (const Row& row : m_rows)
             if (row.alive)
-                result.push_back(row.record.get());
+                result.push_back(row.record);
         return result;
     }
 
@@ -110,13 +118,11 @@ public:
         std::vector<Record*> result;
         for (const Row& row : m_rows)
             if (row.alive && predicate(*row.record))
-                result.push_back(row.record.get());
+                result.push_back(row.record);
         return result;
     }
 
     [[nodiscard]] qsizetype count() const { return static_cast<qsizetype>(m_liveCount); }
-    // How many distinct texts the records share, for memory reports.
-    [[nodiscard]] qsizetype sharedTextCount() const { return m_texts.size(); }
 
     // What the next save must do.
     [[nodiscard]] bool hasChanges() const {
@@ -144,10 +150,14 @@ public:
         m_toDelete.clear();
         m_wipe = false;
         if (m_deadRows > 0) {
+            for (Row& row : m_rows)
+                if (!row.alive) {
+                    *row.record = Record(); // lets go of what the record held
+                    m_free.push_back(row.record);
+                }
             std::erase_if(m_rows, [](const Row& row) { return !row.alive; });
             m_deadRows = 0;
             m_savedRows = 0;
-            m_texts.prune();
         }
         for (std::size_t i = m_savedRows; i < m_rows.size(); ++i)
             m_rows[i].persisted = true;
@@ -155,69 +165,111 @@ public:
     }
 
 private:
+    static constexpr std::size_t npos = std::size_t(-1);
+    static constexpr std::size_t blockSize = 1024;
+
     struct Row {
-        std::unique_ptr<Record> record;
-        bool alive = true;
-        bool persisted = false;
-        qint64 matchKey = 0; // the game the record is indexed under, for types that belong to one
+        Record* record;
+        bool alive;
+        bool persisted;
     };
 
-    void shareTexts(Record& record) {
-        RecordColumns<Record>::visit(record, [this](const char*, auto& field) { m_texts.share(field); });
+    Record* place(Record&& record) {
+        if (!m_free.empty()) {
+            Record* slot = m_free.back();
+            m_free.pop_back();
+            *slot = std::move(record);
+            return slot;
+        }
+        if (m_blocks.empty() || m_usedInLastBlock == blockSize) {
+            m_blocks.push_back(std::make_unique<Record[]>(blockSize));
+            m_usedInLastBlock = 0;
+        }
+        Record* slot = &m_blocks.back()[m_usedInLastBlock++];
+        *slot = std::move(record);
+        return slot;
     }
 
-    void addRow(std::unique_ptr<Record> record, bool persisted) {
-        Record* raw = record.get();
-        m_rows.push_back({std::move(record), true, persisted, 0});
+    void addRow(Record* record, bool persisted) {
+        m_rows.push_back({record, true, persisted});
         ++m_liveCount;
-        m_byServer.emplace(raw->serverId, raw);
-        if constexpr (HasMatchServerId<Record>) {
-            m_byMatch[raw->matchServerId].push_back(raw);
-            m_rows.back().matchKey = raw->matchServerId;
-        }
+        if (m_byServerBuilt)
+            m_byServer.emplace(record->serverId, record);
+        if constexpr (HasMatchServerId<Record>)
+            if (m_byMatchBuilt)
+                m_byMatch[record->matchServerId].push_back(record);
+    }
+
+    void buildServerIndex() const {
+        if (m_byServerBuilt)
+            return;
+        m_byServer.clear();
+        m_byServer.reserve(m_liveCount);
+        for (const Row& row : m_rows)
+            if (row.alive)
+                m_byServer.emplace(row.record->serverId, row.record);
+        m_byServerBuilt = true;
+    }
+
+    void buildMatchIndex() const {
+        if (m_byMatchBuilt)
+            return;
+        m_byMatch.clear();
+        for (const Row& row : m_rows)
+            if (row.alive)
+                m_byMatch[row.record->matchServerId].push_back(row.record);
+        m_byMatchBuilt = true;
     }
 
     // Rows stay in the order of their identity (inserts take ever larger ones, the file is read
     // in that order, and saves only drop rows), so a record's row is found by bisection.
-    [[nodiscard]] const Row* rowOf(const Record* record) const {
+    [[nodiscard]] std::size_t rowOf(const Record* record) const {
         const auto found = std::lower_bound(m_rows.begin(), m_rows.end(), record->localId,
                                             [](const Row& row, qint64 id) { return row.record->localId < id; });
-        return found != m_rows.end() && found->record.get() == record ? &*found : nullptr;
+        return found != m_rows.end() && found->record == record ? std::size_t(found - m_rows.begin()) : npos;
     }
-    [[nodiscard]] Row* rowOf(const Record* record) { return const_cast<Row*>(std::as_const(*this).rowOf(record)); }
 
     [[nodiscard]] bool isAlive(const Record* record) const {
-        const Row* row = rowOf(record);
-        return row && row->alive;
+        const std::size_t row = rowOf(record);
+        return row != npos && m_rows[row].alive;
     }
 
-    void unindexServer(Record* record) {
-        auto [first, last] = m_byServer.equal_range(record->serverId);
-        for (auto it = first; it != last; ++it)
-            if (it->second == record) {
-                m_byServer.erase(it);
+    void unindex(Record* record) {
+        if (m_byServerBuilt) {
+            auto [first, last] = m_byServer.equal_range(record->serverId);
+            for (auto it = first; it != last; ++it)
+                if (it->second == record) {
+                    m_byServer.erase(it);
+                    break;
+                }
+        }
+        if constexpr (HasMatchServerId<Record>) {
+            if (!m_byMatchBuilt)
+                return;
+            // A record changed without markChanged is not under its game's key: start over.
+            auto list = m_byMatch.find(record->matchServerId);
+            if (list == m_byMatch.end() || std::erase(list->second, record) == 0) {
+                m_byMatchBuilt = false;
                 return;
             }
-    }
-
-    void unindexMatch(const Row& row) {
-        auto list = m_byMatch.find(row.matchKey);
-        if (list != m_byMatch.end()) {
-            std::erase(list->second, row.record.get());
             if (list->second.empty())
                 m_byMatch.erase(list);
         }
     }
 
+    std::vector<std::unique_ptr<Record[]>> m_blocks;
+    std::size_t m_usedInLastBlock = 0;
+    std::vector<Record*> m_free; // slots of records deleted and saved, for reuse
     std::vector<Row> m_rows;
     std::size_t m_liveCount = 0;
     std::size_t m_deadRows = 0;  // rows removed since the last save
     std::size_t m_savedRows = 0; // rows before this index are on disk
     qint64 m_lastLocalId = 0;
-    std::unordered_multimap<qint64, Record*> m_byServer;
-    std::unordered_map<qint64, std::vector<Record*>> m_byMatch;
+    mutable std::unordered_multimap<qint64, Record*> m_byServer;
+    mutable bool m_byServerBuilt = false;
+    mutable std::unordered_map<qint64, std::vector<Record*>> m_byMatch;
+    mutable bool m_byMatchBuilt = false;
     std::vector<Record*> m_toWrite; // in call order, may repeat
     std::vector<qint64> m_toDelete;
-    TextPool m_texts;
     bool m_wipe = false;
 };

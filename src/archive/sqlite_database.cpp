@@ -5,7 +5,10 @@
 #include <QStringList>
 #include <QTimeZone>
 #include <algorithm>
+#include <array>
 #include <charconv>
+#include <limits>
+#include <span>
 #include <sqlite3.h>
 
 SqliteDatabase::SqliteDatabase(const QString& path) {
@@ -107,6 +110,34 @@ void SqliteStatement::bind(int index, const QList<qint64>& value) {
     sqlite3_bind_text(m_statement, index, buffer.constData(), static_cast<int>(buffer.size()), SQLITE_STATIC);
 }
 
+void SqliteStatement::bind(int index, SharedText value) {
+    if (value.isNull()) {
+        bindNull(index);
+        return;
+    }
+    const QByteArrayView bytes = value.utf8();
+    sqlite3_bind_text(m_statement, index, bytes.isEmpty() ? "" : bytes.data(), static_cast<int>(bytes.size()),
+                      SQLITE_STATIC);
+}
+
+void SqliteStatement::bind(int index, const ItemSlots& value) {
+    if (value.isEmpty()) {
+        sqlite3_bind_text(m_statement, index, "", 0, SQLITE_STATIC);
+        return;
+    }
+    QByteArray& buffer = textBuffer(index);
+    buffer.resize(value.size() * 12); // a comma and at most 11 characters per 32-bit number
+    char* out = buffer.data();
+    char* const end = out + buffer.size();
+    for (qsizetype i = 0; i < value.size(); ++i) {
+        if (i)
+            *out++ = ',';
+        out = std::to_chars(out, end, value[i]).ptr;
+    }
+    buffer.truncate(out - buffer.constData());
+    sqlite3_bind_text(m_statement, index, buffer.constData(), static_cast<int>(buffer.size()), SQLITE_STATIC);
+}
+
 void SqliteStatement::bindNull(int index) {
     sqlite3_bind_null(m_statement, index);
 }
@@ -151,6 +182,62 @@ void SqliteStatement::read(int column, QDateTime& out) const {
     // A date made with Qt::UTC is held inside the QDateTime; one made with a QTimeZone (Qt 6.4) is a
     // separate allocation that every sort by date then has to fetch.
     out = QDateTime::fromMSecsSinceEpoch(sqlite3_column_int64(m_statement, column), Qt::UTC);
+}
+
+void SqliteStatement::read(int column, qint32& out) const {
+    const qint64 value = sqlite3_column_int64(m_statement, column);
+    out = static_cast<qint32>(
+        std::clamp<qint64>(value, std::numeric_limits<qint32>::min(), std::numeric_limits<qint32>::max()));
+    if (out != value)
+        m_narrowed = true;
+}
+
+void SqliteStatement::read(int column, ItemSlots& out) const {
+    // Read from SQLite's own bytes into the row: a start reads 200,000 of these lists.
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(m_statement, column));
+    const char* const end = text + sqlite3_column_bytes(m_statement, column);
+    std::array<qint64, ItemSlots::capacity + 1> items{};
+    std::size_t count = 0;
+    while (text && text < end) {
+        qint64 item = 0;
+        const auto [next, error] = std::from_chars(text, end, item);
+        if (error == std::errc()) {
+            if (count == items.size()) {
+                m_narrowed = true;
+                break;
+            }
+            items[count++] = item;
+        }
+        text = std::find(next, end, ',');
+        if (text != end)
+            ++text;
+    }
+    if (!out.assign(std::span<const qint64>(items.data(), count)))
+        m_narrowed = true;
+}
+
+void SqliteStatement::read(int column, SharedText& out) const {
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(m_statement, column));
+    out = text ? SharedText::fromUtf8(QByteArrayView(text, sqlite3_column_bytes(m_statement, column))) : SharedText();
+}
+
+void SqliteStatement::read(int column, OptionalReal& out) const {
+    if (isNull(column))
+        out.reset();
+    else
+        out = sqlite3_column_double(m_statement, column);
+}
+
+void SqliteStatement::read(int column, OptionalInt& out) const {
+    if (isNull(column)) {
+        out.reset();
+        return;
+    }
+    const qint64 value = sqlite3_column_int64(m_statement, column);
+    if (OptionalInt::fits(value))
+        out = static_cast<qint32>(value);
+    else
+        m_narrowed = true;
 }
 
 void SqliteStatement::read(int column, QList<qint64>& out) const {

@@ -1,6 +1,10 @@
 #pragma once
 
-#include "archive/keyed_text.h"
+#include "archive/item_slots.h"
+#include "archive/optional_int.h"
+#include "archive/optional_real.h"
+#include "archive/player_name.h"
+#include "archive/shared_text.h"
 
 #include <QDateTime>
 #include <QList>
@@ -28,6 +32,22 @@ public:
     void bind(int index, const QString& value);
     void bind(int index, const QDateTime& value);
     void bind(int index, const QList<qint64>& value);
+    void bind(int index, qint32 value) { bind(index, static_cast<qint64>(value)); }
+    // The shared text's own bytes, which never move: SQLite reads them without a copy.
+    void bind(int index, SharedText value);
+    void bind(int index, const ItemSlots& value);
+    void bind(int index, OptionalInt value) {
+        if (value)
+            bind(index, static_cast<qint64>(*value));
+        else
+            bindNull(index);
+    }
+    void bind(int index, OptionalReal value) {
+        if (value)
+            bind(index, *value);
+        else
+            bindNull(index);
+    }
     template <class T> void bind(int index, const std::optional<T>& value) {
         if (value)
             bind(index, *value);
@@ -47,11 +67,20 @@ public:
     void read(int column, QString& out) const;
     void read(int column, QDateTime& out) const;
     void read(int column, QList<qint64>& out) const;
-    template <class KeyOf> void read(int column, KeyedText<KeyOf>& out) const {
-        QString text;
+    // Narrow reads: a stored value that does not fit sets narrowed() (the field then holds what
+    // fits), so that the caller can read the row again into a record that holds it exactly.
+    void read(int column, qint32& out) const;
+    void read(int column, ItemSlots& out) const;
+    void read(int column, SharedText& out) const; // absent for NULL
+    void read(int column, PlayerName& out) const {
+        SharedText text;
         read(column, text);
-        out = std::move(text);
+        out = text;
     }
+    void read(int column, OptionalReal& out) const;
+    void read(int column, OptionalInt& out) const;
+    [[nodiscard]] bool narrowed() const { return m_narrowed; }
+    void clearNarrowed() { m_narrowed = false; }
     template <class T> void read(int column, std::optional<T>& out) const {
         if (isNull(column)) {
             out.reset();
@@ -71,6 +100,7 @@ private:
     sqlite3_stmt* m_statement = nullptr;
     std::vector<QByteArray> m_texts;
     QStringEncoder m_utf8{QStringEncoder::Utf8};
+    mutable bool m_narrowed = false;
 };
 
 // An open SQLite database file. Every failure throws StoreError with SQLite's own text.

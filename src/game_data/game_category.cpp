@@ -4,7 +4,7 @@
 
 namespace GameCategories {
 
-GameCategory of(qint64 queueId, const std::optional<QString>& gameMode) {
+std::optional<GameCategory> ofQueue(qint64 queueId) {
     switch (queueId) {
     case 420:
     case 440:
@@ -19,8 +19,13 @@ GameCategory of(qint64 queueId, const std::optional<QString>& gameMode) {
     case 1710:
         return GameCategory::Arena;
     default:
-        break;
+        return std::nullopt;
     }
+}
+
+GameCategory of(qint64 queueId, const std::optional<QString>& gameMode) {
+    if (const std::optional<GameCategory> known = ofQueue(queueId))
+        return *known;
     if (!gameMode)
         return GameCategory::Other;
     // Every game without a known queue passes here. An ASCII mode is compared letter by letter

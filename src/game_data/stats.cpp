@@ -80,71 +80,74 @@ private:
     std::size_t m_size = 0;
 };
 
-// The user's puuids. Rows are ruled out by the key their id carries; only a row whose key is an
-// owner's has its id compared.
+// The user's puuids. Texts are shared, so a row is the user's when its id is the same shared
+// text as an owner's: a number compared per row. An owner id no stored row has ever held
+// matches nothing.
 class Owners {
 public:
-    explicit Owners(const QSet<QString>& owners) : m_owners(owners.begin(), owners.end()) {}
+    explicit Owners(const QSet<QString>& owners) {
+        for (const QString& owner : owners)
+            if (const SharedText id = SharedText::existing(owner); !id.isNull())
+                m_owners.push_back(id);
+    }
 
-    [[nodiscard]] bool contains(const PlayerId& puuid) const {
+    [[nodiscard]] bool contains(SharedText puuid) const {
         // A user links one account or a few: a walk beats any look-up.
-        for (const PlayerId& owner : m_owners)
-            if (owner.key() == puuid.key() && (owner.constData() == puuid.constData() || owner.text() == puuid.text()))
-                return true;
-        return false;
+        return std::find(m_owners.begin(), m_owners.end(), puuid) != m_owners.end();
     }
 
 private:
-    std::vector<PlayerId> m_owners;
+    std::vector<SharedText> m_owners;
 };
 
-// The friends' game names, already in lower case. A name is ruled out by its key; only a name
-// whose key is a friend's is compared, in lower case, with the friends of that key.
+// The friends' game names, already in lower case. A name is ruled out by the hash of its lower
+// case, kept with the shared text; only a name whose hash is a friend's is lowered and compared.
 class FriendNames {
 public:
     explicit FriendNames(const QSet<QString>& names) {
         m_names.reserve(static_cast<std::size_t>(names.size()));
         for (const QString& name : names)
-            m_names.emplace_back(LowerCaseKey::of(name), &name);
+            m_names.emplace_back(SharedText::lowerCaseHashOf(name), &name);
         std::sort(m_names.begin(), m_names.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
     }
 
     [[nodiscard]] bool isEmpty() const { return m_names.empty(); }
 
     [[nodiscard]] bool contains(const PlayerName& name) const {
-        auto at = std::lower_bound(m_names.begin(), m_names.end(), name.key(),
-                                   [](const auto& entry, quint64 key) { return entry.first < key; });
-        for (; at != m_names.end() && at->first == name.key(); ++at)
-            if (isLowerCaseOf(*at->second, name.text()))
-                return true;
-        return false;
+        const quint32 hash = name.lowerCaseHash();
+        auto at = std::lower_bound(m_names.begin(), m_names.end(), hash,
+                                   [](const auto& entry, quint32 key) { return entry.first < key; });
+        if (at == m_names.end() || at->first != hash)
+            return false;
+        // The names that get this far are nearly all the friends' own, met in game after game:
+        // each is lowered and compared once per pass.
+        for (const auto& [id, verdict] : m_verdicts)
+            if (id == name.id())
+                return verdict;
+        const QString lowered = name.toString().toLower();
+        bool found = false;
+        for (; at != m_names.end() && at->first == hash; ++at)
+            found = found || *at->second == lowered;
+        m_verdicts.emplace_back(name.id(), found);
+        return found;
     }
 
 private:
-    // Whether lowered is what QString::toLower makes of text, without building that text.
-    static bool isLowerCaseOf(QStringView lowered, QStringView text) {
-        if (lowered.size() != text.size())
-            return text.size() < lowered.size() && lowered == text.toString().toLower(); // U+0130 grows
-        for (qsizetype i = 0; i < text.size(); ++i) {
-            const std::optional<char16_t> lower = LowerCaseKey::lowerUnit(text[i].unicode());
-            if (!lower)
-                return lowered == text.toString().toLower();
-            if (*lower != lowered[i].unicode())
-                return false;
-        }
-        return true;
-    }
-
-    std::vector<std::pair<quint64, const QString*>> m_names;
+    std::vector<std::pair<quint32, const QString*>> m_names;
+    mutable std::vector<std::pair<quint32, bool>> m_verdicts;
 };
 
-// The rows are read once per call and lie apart: each pass asks for a row's first cache line,
-// which holds every field read for every row, some rows before it needs it.
+// The rows are read once per call through a list of pointers: each pass asks for a row's start
+// (the game, the player's id and name, the team) some rows before it needs it.
 constexpr std::size_t prefetchAhead = 24;
 
 inline void prefetchRow(const std::vector<const LocalParticipant*>& rows, std::size_t i) {
-    if (i < rows.size())
-        __builtin_prefetch(rows[i]);
+    if (i < rows.size()) {
+        // The row's first 24 bytes may straddle two cache lines.
+        const char* row = reinterpret_cast<const char*>(rows[i]);
+        __builtin_prefetch(row);
+        __builtin_prefetch(row + 23);
+    }
 }
 
 } // namespace
@@ -196,8 +199,8 @@ std::vector<Game> games(const std::vector<const LocalMatch*>& matches,
         const quint32 me = meOf[run.slot];
         for (quint32 i = run.first; i < run.first + run.count; ++i) {
             const LocalParticipant& row = *participants[i];
-            if (i != me && row.teamId == meTeam[run.slot] && row.riotIdGameName &&
-                friendly.contains(*row.riotIdGameName) && !own.contains(row.puuid))
+            if (i != me && row.teamId == meTeam[run.slot] && !row.riotIdGameName.isNull() &&
+                friendly.contains(row.riotIdGameName) && !own.contains(row.puuid))
                 isFriend[i] = 1;
         }
     };

@@ -22,7 +22,11 @@ struct Game {
     RowList friends; // known friends on the user's team, roster order
 
     [[nodiscard]] qint64 id() const { return match->serverId; }
-    [[nodiscard]] GameCategory category() const { return GameCategories::of(match->queueId, match->gameMode); }
+    [[nodiscard]] GameCategory category() const {
+        // The mode is text only read for games of other queues; most never need it decoded.
+        const std::optional<GameCategory> known = GameCategories::ofQueue(match->queueId);
+        return known ? *known : GameCategories::of(match->queueId, match->gameMode.toOptional());
+    }
 };
 
 // The user's record on one champion.

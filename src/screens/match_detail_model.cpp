@@ -52,7 +52,7 @@ std::vector<MatchDetailModel::Team> MatchDetailModel::teamsOf(const Stats::Game&
 qint64 MatchDetailModel::maxDamage(const Stats::Game& game) {
     qint64 most = 1;
     for (const LocalParticipant* row : game.roster)
-        most = std::max(most, row->damageToChampions);
+        most = std::max<qint64>(most, row->damageToChampions);
     return most;
 }
 
@@ -76,10 +76,10 @@ void MatchDetailModel::recompute() {
                 for (qint64 item : p->items)
                     items << static_cast<int>(item);
                 rows.append(QVariantMap{
-                    {"championName", p->championName},
+                    {"championName", p->championName.toString()},
                     {"displayName", p->displayName()},
                     {"isMe", isMe},
-                    {"isFriend", !isMe && friends.contains(p->puuid)},
+                    {"isFriend", !isMe && friends.contains(p->puuid.toString())},
                     {"kills", static_cast<int>(p->kills)},
                     {"deaths", static_cast<int>(p->deaths)},
                     {"assists", static_cast<int>(p->assists)},
@@ -109,7 +109,7 @@ void MatchDetailModel::recompute() {
 }
 
 QString MatchDetailModel::championName() const {
-    return m_game ? m_game->me->championName : QString();
+    return m_game ? m_game->me->championName.toString() : QString();
 }
 
 QString MatchDetailModel::categoryChip() const {
@@ -123,7 +123,7 @@ QColor MatchDetailModel::categoryColor() const {
 QString MatchDetailModel::headerLine() const {
     if (!m_game)
         return {};
-    return LeagueQueue::label(m_game->match->queueId, m_game->match->gameMode) + QStringLiteral(" · ") +
+    return LeagueQueue::label(m_game->match->queueId, m_game->match->gameMode.toOptional()) + QStringLiteral(" · ") +
            MatchTexts::minutes(m_game->match->gameDuration);
 }
 

@@ -34,13 +34,13 @@ QVariant MatchListModel::data(const QModelIndex& index, int role) const {
     const LocalMatch& match = *game.match;
     switch (role) {
     case ChampionNameRole:
-        return me.championName;
+        return me.championName.toString();
     case WinRole:
         return me.win;
     case ResultTextRole:
         return MatchTexts::result(me.win);
     case QueueLabelRole:
-        return LeagueQueue::label(match.queueId, match.gameMode);
+        return LeagueQueue::label(match.queueId, match.gameMode.toOptional());
     case CategoryChipRole:
         return MatchTexts::categoryChip(game.category());
     case CategoryColorRole:

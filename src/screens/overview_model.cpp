@@ -58,36 +58,23 @@ QString OverviewModel::streakPill(const Streak& streak) {
 }
 
 std::optional<QString> OverviewModel::topRoleOf(const std::vector<Stats::TimelineEntry>& timeline) {
-    // A handful of positions: a short list beats hashing one text per game, and comparing a few
-    // letters in place beats a call per comparison. Texts read from the archive share their
-    // data, so the same text is mostly recognised by its address.
+    // A handful of positions, each a shared text: a short list of their numbers beats hashing.
     struct Count {
-        const QString* text;
+        SharedText text;
         int count;
     };
     std::vector<Count> counts;
-    const auto same = [](const QString& a, const QString& b) {
-        return a.size() == b.size() && (a.constData() == b.constData() || std::equal(a.begin(), a.end(), b.begin()));
-    };
     std::size_t best = 0;
     int bestCount = 0;
-    // The first look at the user's rows beyond their first cache line: ask for the next ones
-    // early, so that their fetches overlap.
-    constexpr std::size_t ahead = 8;
-    for (std::size_t i = 0; i < timeline.size(); ++i) {
-        if (i + ahead < timeline.size()) {
-            const char* next = reinterpret_cast<const char*>(timeline[i + ahead].me);
-            __builtin_prefetch(next + 64);
-            __builtin_prefetch(next + 128);
-        }
-        const std::optional<QString>& position = timeline[i].me->teamPosition;
-        if (!position)
+    for (const Stats::TimelineEntry& entry : timeline) {
+        const SharedText position = entry.me->teamPosition;
+        if (position.isNull())
             continue;
         std::size_t k = 0;
-        while (k < counts.size() && !same(*counts[k].text, *position))
+        while (k < counts.size() && counts[k].text != position)
             ++k;
         if (k == counts.size())
-            counts.push_back({&*position, 0});
+            counts.push_back({position, 0});
         if (++counts[k].count > bestCount) {
             bestCount = counts[k].count;
             best = k;
@@ -95,7 +82,7 @@ std::optional<QString> OverviewModel::topRoleOf(const std::vector<Stats::Timelin
     }
     if (bestCount == 0)
         return std::nullopt;
-    return LeaguePosition::shortLabel(*counts[best].text) + QStringLiteral(" Main");
+    return LeaguePosition::shortLabel(counts[best].text.toOptional()) + QStringLiteral(" Main");
 }
 
 double OverviewModel::ringPercent(qint64 wins, qint64 losses) {

@@ -27,18 +27,18 @@ void TimelineModel::recompute() {
 }
 
 QString TimelineModel::championName() const {
-    return m_game ? m_game->me->championName : QString();
+    return m_game ? m_game->me->championName.toString() : QString();
 }
 
 QString TimelineModel::subtitle() const {
     if (!m_game)
         return {};
-    return LeagueQueue::label(m_game->match->queueId, m_game->match->gameMode) + QStringLiteral(" · ") +
+    return LeagueQueue::label(m_game->match->queueId, m_game->match->gameMode.toOptional()) + QStringLiteral(" · ") +
            MatchTexts::minutes(m_game->match->gameDuration);
 }
 
 QString TimelineModel::matchId() const {
-    return m_game ? m_game->match->matchId : QString();
+    return m_game ? m_game->match->matchId.toString() : QString();
 }
 
 void TimelineModel::load() {

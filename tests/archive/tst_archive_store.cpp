@@ -5,10 +5,12 @@
 #include "support/archive_json.h"
 
 #include <QFile>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <limits>
 #include <sqlite3.h>
 
 using namespace ArchiveJson;
@@ -81,11 +83,12 @@ private Q_SLOTS:
         json["components"] = components;
         const PerformanceScoreDto dto = dtoOf<PerformanceScoreDto>(json);
         const LocalPerformanceScore stored(dto);
-        const QJsonObject written = QJsonDocument::fromJson(stored.componentsJson.toUtf8()).object();
+        const QJsonObject written = QJsonDocument::fromJson(stored.componentsJson.utf8().toByteArray()).object();
         QCOMPARE(written.size(), dto.components.size());
         for (auto it = dto.components.constBegin(); it != dto.components.constEnd(); ++it)
             QCOMPARE(written.value(it.key()).toDouble(), it.value());
-        QVERIFY(LocalPerformanceScore().componentsJson == "{}" && LocalPerformanceScore().baselineKind == "self");
+        QVERIFY(LocalPerformanceScore().componentsJson == QLatin1String("{}") &&
+                LocalPerformanceScore().baselineKind == QLatin1String("self"));
     }
 
     void everythingSurvivesReopening() {
@@ -110,7 +113,7 @@ private Q_SLOTS:
         QCOMPARE(store.matches().count(), 1);
         const LocalMatch* m = store.matches().all().front();
         QCOMPARE(m->localId, matchLocalId);
-        QCOMPARE(m->matchId, QStringLiteral("EUW1_7000000011"));
+        QCOMPARE(m->matchId.toString(), QStringLiteral("EUW1_7000000011"));
         QVERIFY(m->isRanked);
         QCOMPARE(m->gameCreation->toMSecsSinceEpoch(),
                  BackendDate::fromBackend(QStringLiteral("2025-03-01T18:04:05Z"))->toMSecsSinceEpoch());
@@ -120,9 +123,9 @@ private Q_SLOTS:
         QCOMPARE(participants.size(), std::size_t(2));
         const LocalParticipant* full = participants[0]->puuid == "p-full" ? participants[0] : participants[1];
         const LocalParticipant* bare = participants[0]->puuid == "p-full" ? participants[1] : participants[0];
-        QCOMPARE(full->items, (QList<qint64>{3089, 3020, 4645, 0, 0, 0, 3340}));
-        QCOMPARE(full->csPerMin, std::optional<double>(6.7));
-        QCOMPARE(full->riotIdTagLine, std::optional<QString>(QStringLiteral("EUW")));
+        QCOMPARE(full->items.toList(), (QList<qint64>{3089, 3020, 4645, 0, 0, 0, 3340}));
+        QCOMPARE(full->csPerMin.toOptional(), std::optional<double>(6.7));
+        QCOMPARE(full->riotIdTagLine.toOptional(), std::optional<QString>(QStringLiteral("EUW")));
         QVERIFY(full->win);
         QVERIFY(bare->items.isEmpty());
         QVERIFY(!bare->riotIdGameName && !bare->champLevel && !bare->teamDamagePct && !bare->rankLp);
@@ -132,8 +135,32 @@ private Q_SLOTS:
         QVERIFY(snap->capturedAt);
         const LocalPerformanceScore* s = store.performanceScores().all().front();
         QCOMPARE(s->score, 61.5);
-        QCOMPARE(QJsonDocument::fromJson(s->componentsJson.toUtf8()).object().value("killParticipation").toDouble(),
+        QCOMPARE(QJsonDocument::fromJson(s->componentsJson.utf8().toByteArray())
+                     .object()
+                     .value("killParticipation")
+                     .toDouble(),
                  0.64);
+    }
+
+    // Rows hold 32-bit figures and seven items; a record beyond that is kept exactly beside the
+    // row, written whole and read back whole.
+    void figuresBeyondTheRowKeptExactly() {
+        QJsonObject json = participant(21, 11, "p-wide");
+        json["kills"] = 5'000'000'000.0;
+        json["items"] = QJsonArray{1, 2, 3, 4, 5, 6, 7, 8, 9};
+        const ParticipantDto sent = dtoOf<ParticipantDto>(json);
+        {
+            ArchiveStore store(m_path);
+            LocalParticipant* row = store.participants().insert(std::make_unique<LocalParticipant>(sent));
+            QCOMPARE(row->kills, std::numeric_limits<qint32>::max());
+            store.save();
+        }
+        ArchiveStore store(m_path);
+        const LocalParticipant* back = store.participants().all().front();
+        QVERIFY(back->exact());
+        QCOMPARE(back->toDto().kills, 5'000'000'000LL);
+        QCOMPARE(back->toDto().items, sent.items);
+        QCOMPARE(back->toDto().deaths, sent.deaths);
     }
 
     void updatesAndDeletionsPersist() {

@@ -62,9 +62,8 @@ private Q_SLOTS:
         for (qint64 id : {1, 2}) {
             auto r = row(id, 10);
             r->localId = id;
-            byServerId[id] = r.get();
             localIdOf[id] = id;
-            table.adopt(std::move(r));
+            byServerId[id] = table.adopt(std::move(r));
         }
         for (const QString& step : steps) {
             if (step == QLatin1String("save")) {
@@ -121,30 +120,23 @@ private Q_SLOTS:
         QCOMPARE(serverIds(table.withServerIds({1, 2, 3})), (std::vector<qint64>{2, 3}));
     }
 
-    // Equal texts of records read back from disk end up as one copy, and the copy goes once no
-    // record holds it. Keyed texts keep their keys.
-    void repeatedTextsShared() {
+    // A removed record stays readable where it was until the save; only then is its place given
+    // to a new record, which the indexes and the order of identity then find as the new one.
+    void placeReusedOnlyAfterSave() {
         RecordTable<LocalParticipant> table;
-        auto adopt = [&](qint64 localId) {
-            auto p = row(localId, 10);
-            p->localId = localId;
-            p->championName = QStringLiteral("Ah") + QStringLiteral("ri"); // built apart each time
-            p->teamPosition = QStringLiteral("MID") + QStringLiteral("DLE");
-            p->riotIdGameName = QStringLiteral("ANN") + QStringLiteral("a");
-            LocalParticipant* raw = p.get();
-            table.adopt(std::move(p));
-            return raw;
-        };
-        LocalParticipant* a = adopt(1);
-        LocalParticipant* b = adopt(2);
-        QCOMPARE(a->championName.constData(), b->championName.constData());
-        QCOMPARE(a->teamPosition->constData(), b->teamPosition->constData());
-        QCOMPARE(b->riotIdGameName->key(), LowerCaseKey::of(QStringLiteral("anna")));
-        QCOMPARE(table.sharedTextCount(), 2);
-        table.remove(a);
-        table.remove(b);
+        LocalParticipant* a = table.insert(row(1, 10));
         table.saved();
-        QCOMPARE(table.sharedTextCount(), 0);
+        table.remove(a);
+        LocalParticipant* b = table.insert(row(2, 10));
+        QVERIFY(b != a);
+        QCOMPARE(a->serverId, 1);
+        table.saved();
+        LocalParticipant* c = table.insert(row(3, 11));
+        QCOMPARE(c, a);
+        QCOMPARE(serverIds(table.all()), (std::vector<qint64>{2, 3}));
+        QCOMPARE(serverIds(table.withMatchServerId(10)), std::vector<qint64>{2});
+        QCOMPARE(serverIds(table.withMatchServerId(11)), std::vector<qint64>{3});
+        QCOMPARE(serverIds(table.toWrite()), (std::vector<qint64>{3}));
     }
 
     void everythingRemovedThenRefilled() {

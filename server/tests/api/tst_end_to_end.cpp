@@ -68,18 +68,18 @@ private Q_SLOTS:
         QCOMPARE(store.performanceScores().count(), 3);
         int ownRows = 0, ownWins = 0;
         for (const LocalParticipant* p : store.participants().all()) {
-            if (p->puuid.text() != players[0])
+            if (p->puuid != players[0])
                 continue;
             ++ownRows;
             ownWins += p->win ? 1 : 0;
-            QCOMPARE(p->championName, QStringLiteral("Singed"));
-            QCOMPARE(p->teamPosition, std::optional<QString>(QStringLiteral("TOP")));
+            QCOMPARE(p->championName.toString(), QStringLiteral("Singed"));
+            QCOMPARE(p->teamPosition.toOptional(), std::optional<QString>(QStringLiteral("TOP")));
             QVERIFY(p->csPerMin && *p->csPerMin > 0);
         }
         QCOMPARE(ownRows, 3);
         QCOMPARE(ownWins, 2);
         for (const LocalMatch* m : store.matches().all()) {
-            QVERIFY(m->matchId.startsWith(QStringLiteral("NA1_800")));
+            QVERIFY(m->matchId.toString().startsWith(QStringLiteral("NA1_800")));
             QCOMPARE(m->gameDuration, 1919);
             QVERIFY(m->gameCreation.has_value());
         }

@@ -1,0 +1,65 @@
+#include "archive/shared_text.h"
+
+#include <QTest>
+
+// Texts held once per process: the same text built apart is the same shared text, what goes in
+// comes out unchanged, and absent stays apart from empty.
+class TestSharedText : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void roundTrip_data() {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("ascii id") << QStringLiteral("Xk3_-9aQ");
+        QTest::newRow("accented") << QStringLiteral("Pøllux Ærø");
+        QTest::newRow("beyond the BMP") << QStringLiteral("Fern \U0001F33F");
+        QTest::newRow("empty") << QString(QLatin1String(""));
+    }
+    void roundTrip() {
+        QFETCH(QString, text);
+        const SharedText shared(text);
+        QVERIFY(!shared.isNull());
+        QCOMPARE(shared.toString(), text);
+        QVERIFY(shared == text);
+        QCOMPARE(SharedText::fromUtf8(text.toUtf8()), shared);
+        QCOMPARE(SharedText(QString(text.constData(), text.size())).id(), shared.id()); // built apart
+    }
+
+    void absentIsNotEmpty() {
+        const SharedText absent;
+        const SharedText empty(QString(QLatin1String("")));
+        QVERIFY(absent.isNull() && !absent.has_value());
+        QVERIFY(!empty.isNull() && empty.isEmpty());
+        QVERIFY(absent != empty);
+        QVERIFY(absent.toString().isNull());
+        QVERIFY(!empty.toString().isNull());
+        QCOMPARE(SharedText(std::optional<QString>()), absent);
+        QVERIFY(!(absent == QString()));
+    }
+
+    void existingAddsNothing() {
+        const qsizetype before = SharedText::distinctCount();
+        QVERIFY(SharedText::existing(QStringLiteral("never stored 8f2c")).isNull());
+        QCOMPARE(SharedText::distinctCount(), before);
+        const SharedText stored(QStringLiteral("stored 8f2c"));
+        QCOMPARE(SharedText::existing(QStringLiteral("stored 8f2c")), stored);
+    }
+
+    // Case-insensitive look-ups rule names out by this hash: it must agree for every text whose
+    // lower case agrees, including those lowered whole.
+    void lowerCaseHash_data() {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("ascii") << QStringLiteral("ANNa");
+        QTest::newRow("latin") << QStringLiteral("ÆRØ");
+        QTest::newRow("dotted capital I") << QStringLiteral("\u0130stanbul");
+        QTest::newRow("beyond the BMP") << QStringLiteral("\U00010400bc");
+    }
+    void lowerCaseHash() {
+        QFETCH(QString, text);
+        QCOMPARE(SharedText(text).lowerCaseHash(), SharedText::lowerCaseHashOf(text.toLower()));
+        QCOMPARE(SharedText::fromUtf8(text.toUtf8()).lowerCaseHash(), SharedText::lowerCaseHashOf(text));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestSharedText)
+#include "tst_shared_text.moc"
