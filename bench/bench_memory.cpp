@@ -1,8 +1,11 @@
-// Starts the real app on the offscreen platform twice, over an empty archive and over the
-// synthetic one, signed in against a loopback backend, and prints what each holds resident once
-// it has settled, and the difference: what the archive costs in memory.
+// Starts the real app twice, over an empty archive and over the synthetic one, signed in against
+// a loopback backend, and prints what each holds resident once it has settled, and the
+// difference: what the archive costs in memory. With --visit (on a virtual X display of its own,
+// Xvfb and xdotool needed) it then opens every archive screen from the sidebar and measures
+// again once the app has settled after each; without, the app runs on the offscreen platform and
+// shows the overview.
 //
-//   bench_memory [--games N] [--app PATH] [--settle-ms N]
+//   bench_memory [--games N] [--app PATH] [--settle-ms N] [--visit]
 //
 // Run it on a Release build: a Debug app is larger and slower to settle.
 
@@ -21,9 +24,13 @@
 #include <QProcess>
 #include <QSettings>
 #include <QTemporaryDir>
+#include <QThread>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
+#include <iterator>
 #include <optional>
+#include <vector>
 
 namespace {
 
@@ -79,12 +86,43 @@ void script(FakeBackend& backend, const QList<RiotAccountDto>& accounts) {
 struct Run {
     bool ok = false;
     Resident settled;
+    Resident visited;   // after every archive screen was opened, with --visit
     double seconds = 0; // from the launch until the figure settled
 };
 
+// Where the sidebar's entries lie in the window at its first size, top-left at the screen's
+// origin (no window manager): Match History, Champions, Rank, Friends, Search, Overview.
+constexpr int sidebarX = 73;
+constexpr int sidebarEntries[] = {190, 230, 270, 310, 350, 150};
+
+// Waits until the resident size has stayed within 1 MB for settleMs; the last size, or none when
+// the process went away or two minutes passed.
+std::optional<Resident> settle(QProcess& process, int settleMs, const std::function<bool()>& ready) {
+    QElapsedTimer clock;
+    clock.start();
+    QElapsedTimer steady;
+    qint64 mark = 0;
+    while (clock.elapsed() < 120'000 && process.state() == QProcess::Running) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+        const auto sample = residentOf(process.processId());
+        if (!sample)
+            return std::nullopt;
+        if (!ready())
+            continue;
+        if (!steady.isValid() || std::abs(sample->now - mark) > 1024) {
+            steady.start();
+            mark = sample->now;
+        }
+        if (steady.elapsed() >= settleMs)
+            return sample;
+    }
+    return std::nullopt;
+}
+
 // One start of the app in a home of its own. The figure counts once the app has pulled (its
-// start is over) and its resident size has moved by less than 1 MB for settleMs.
-Run measure(const QString& app, const SyntheticArchive* archive, int settleMs) {
+// start is over) and its resident size has moved by less than 1 MB for settleMs. display is the
+// X display to run on for --visit, or empty for the offscreen platform.
+Run measure(const QString& app, const SyntheticArchive* archive, int settleMs, const QString& display) {
     Run run;
     QTemporaryDir home;
     const QString data = home.filePath(QStringLiteral("data"));
@@ -111,7 +149,12 @@ Run measure(const QString& app, const SyntheticArchive* archive, int settleMs) {
 
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    if (display.isEmpty()) {
+        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    } else {
+        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+        environment.insert(QStringLiteral("DISPLAY"), display);
+    }
     environment.insert(QStringLiteral("XDG_DATA_HOME"), data);
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), config);
     environment.insert(QStringLiteral("XDG_CACHE_HOME"), home.filePath(QStringLiteral("cache")));
@@ -129,25 +172,25 @@ Run measure(const QString& app, const SyntheticArchive* archive, int settleMs) {
         return run;
     }
 
-    // The size counts once it has stayed within 1 MB of where it stood settleMs ago.
-    QElapsedTimer steady;
-    qint64 mark = 0;
-    while (clock.elapsed() < 120'000 && process.state() == QProcess::Running) {
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
-        const auto sample = residentOf(process.processId());
-        if (!sample)
-            break;
-        if (backend.requestsTo(QStringLiteral("/api/sync")).isEmpty())
-            continue;
-        if (!steady.isValid() || std::abs(sample->now - mark) > 1024) {
-            steady.start();
-            mark = sample->now;
-        }
-        if (steady.elapsed() >= settleMs) {
-            run.ok = true;
-            run.settled = *sample;
-            run.seconds = static_cast<double>(clock.elapsed()) / 1000.0;
-            break;
+    const auto synced = [&backend] { return !backend.requestsTo(QStringLiteral("/api/sync")).isEmpty(); };
+    if (const auto started = settle(process, settleMs, synced)) {
+        run.settled = *started;
+        run.visited = *started;
+        run.seconds = static_cast<double>(clock.elapsed()) / 1000.0;
+        run.ok = true;
+        for (int y : display.isEmpty() ? std::vector<int>{}
+                                       : std::vector<int>(std::begin(sidebarEntries), std::end(sidebarEntries))) {
+            QProcess click;
+            click.setProcessEnvironment(environment);
+            click.start(QStringLiteral("xdotool"), {QStringLiteral("mousemove"), QString::number(sidebarX),
+                                                    QString::number(y), QStringLiteral("click"), QStringLiteral("1")});
+            click.waitForFinished(5'000);
+            const auto after = settle(process, settleMs, [] { return true; });
+            if (!after) {
+                run.ok = false;
+                break;
+            }
+            run.visited = *after;
         }
     }
     if (!run.ok) {
@@ -183,7 +226,9 @@ int main(int argc, char** argv) {
     const QCommandLineOption settleOption(QStringLiteral("settle-ms"),
                                           QStringLiteral("How long the resident size must hold still."),
                                           QStringLiteral("ms"), QStringLiteral("3000"));
-    parser.addOptions({gamesOption, appOption, settleOption});
+    const QCommandLineOption visitOption(QStringLiteral("visit"),
+                                         QStringLiteral("Open every archive screen (Xvfb and xdotool)."));
+    parser.addOptions({gamesOption, appOption, settleOption, visitOption});
     parser.process(application);
 
     const QString app = parser.value(appOption);
@@ -196,12 +241,30 @@ int main(int argc, char** argv) {
     const SyntheticArchive archive(options);
     const int settleMs = parser.value(settleOption).toInt();
 
-    std::printf("App: %s (offscreen, signed in, overview shown)\n", qPrintable(app));
+    // A display of its own for --visit, so that the clicks reach no one else's windows.
+    QProcess xvfb;
+    QString display;
+    if (parser.isSet(visitOption)) {
+        display = QStringLiteral(":87");
+        xvfb.start(QStringLiteral("Xvfb"),
+                   {display, QStringLiteral("-screen"), QStringLiteral("0"), QStringLiteral("1440x900x24")});
+        if (!xvfb.waitForStarted(5'000)) {
+            std::fprintf(stderr, "--visit needs Xvfb\n");
+            return 1;
+        }
+        QThread::sleep(1);
+    }
+    std::printf("App: %s (%s, signed in)\n", qPrintable(app),
+                display.isEmpty() ? "offscreen, overview shown" : "Xvfb, every archive screen opened in turn");
     std::printf("Archive: %lld games, %s rows\n\n", static_cast<long long>(archive.matches().size()),
                 qPrintable(QLocale(QLocale::English).toString(static_cast<qint64>(archive.recordCount()))));
 
-    const Run empty = measure(app, nullptr, settleMs);
-    const Run full = measure(app, &archive, settleMs);
+    const Run empty = measure(app, nullptr, settleMs, display);
+    const Run full = measure(app, &archive, settleMs, display);
+    if (xvfb.state() == QProcess::Running) {
+        xvfb.terminate();
+        xvfb.waitForFinished(5'000);
+    }
     if (!empty.ok || !full.ok)
         return 1;
 
@@ -210,8 +273,17 @@ int main(int argc, char** argv) {
                 megabytes(empty.settled.peak), empty.seconds);
     std::printf("%-24s %12.1f %12.1f %9.1fs\n", qPrintable(QStringLiteral("%1-game archive").arg(options.games)),
                 megabytes(full.settled.now), megabytes(full.settled.peak), full.seconds);
+    if (!display.isEmpty()) {
+        std::printf("%-24s %12.1f %12.1f\n", "empty, screens visited", megabytes(empty.visited.now),
+                    megabytes(empty.visited.peak));
+        std::printf("%-24s %12.1f %12.1f\n", "full, screens visited", megabytes(full.visited.now),
+                    megabytes(full.visited.peak));
+    }
     const qint64 difference = full.settled.now - empty.settled.now;
-    std::printf("\nThe archive's share: %.1f MB resident (%.0f bytes per row)\n", megabytes(difference),
+    std::printf("\nThe archive's share: %.1f MB resident at start (%.0f bytes per row)\n", megabytes(difference),
                 static_cast<double>(difference) * 1024.0 / static_cast<double>(archive.recordCount()));
+    if (!display.isEmpty())
+        std::printf("The archive's share after every screen: %.1f MB\n",
+                    megabytes(full.visited.now - empty.visited.now));
     return 0;
 }
