@@ -92,7 +92,8 @@ void SqliteStatement::bind(int index, const QDateTime& value) {
     bind(index, value.toMSecsSinceEpoch());
 }
 
-void SqliteStatement::bind(int index, const QList<qint64>& value) {
+// Numbers as SQLite keeps item lists: in decimal, separated by commas, "" for none.
+template <class Numbers> void SqliteStatement::bindNumberList(int index, const Numbers& value) {
     if (value.isEmpty()) {
         sqlite3_bind_text(m_statement, index, "", 0, SQLITE_STATIC);
         return;
@@ -110,6 +111,10 @@ void SqliteStatement::bind(int index, const QList<qint64>& value) {
     sqlite3_bind_text(m_statement, index, buffer.constData(), static_cast<int>(buffer.size()), SQLITE_STATIC);
 }
 
+void SqliteStatement::bind(int index, const QList<qint64>& value) {
+    bindNumberList(index, value);
+}
+
 void SqliteStatement::bind(int index, SharedText value) {
     if (value.isNull()) {
         bindNull(index);
@@ -121,21 +126,7 @@ void SqliteStatement::bind(int index, SharedText value) {
 }
 
 void SqliteStatement::bind(int index, const ItemSlots& value) {
-    if (value.isEmpty()) {
-        sqlite3_bind_text(m_statement, index, "", 0, SQLITE_STATIC);
-        return;
-    }
-    QByteArray& buffer = textBuffer(index);
-    buffer.resize(value.size() * 12); // a comma and at most 11 characters per 32-bit number
-    char* out = buffer.data();
-    char* const end = out + buffer.size();
-    for (qsizetype i = 0; i < value.size(); ++i) {
-        if (i)
-            *out++ = ',';
-        out = std::to_chars(out, end, value[i]).ptr;
-    }
-    buffer.truncate(out - buffer.constData());
-    sqlite3_bind_text(m_statement, index, buffer.constData(), static_cast<int>(buffer.size()), SQLITE_STATIC);
+    bindNumberList(index, value);
 }
 
 void SqliteStatement::bindNull(int index) {

@@ -95,6 +95,7 @@ private:
     // Text bound to parameter index, kept until the next bind of that index so that SQLite can
     // read it without a copy of its own.
     QByteArray& textBuffer(int index);
+    template <class Numbers> void bindNumberList(int index, const Numbers& value);
 
     SqliteDatabase& m_database;
     sqlite3_stmt* m_statement = nullptr;
