@@ -99,44 +99,49 @@ Item {
             }
         }
 
-        Repeater {
-            model: root.chart ? root.chart.chartPoints : []
-            Rectangle {
-                id: point
-                required property var modelData
-                required property int index
-                x: modelData.x * plot.width - width / 2
-                y: modelData.y * plot.height - height / 2
-                width: hover.containsMouse ? 9 : 6
-                height: width
-                radius: width / 2
-                color: hover.containsMouse ? Theme.goldBright : Theme.gold
-                MouseArea {
-                    id: hover
-                    anchors.centerIn: parent
-                    width: 14
-                    height: 14
-                    hoverEnabled: true
-                    onContainsMouseChanged: {
-                        if (containsMouse)
-                            bubble.show(point, point.index) // qmllint disable unqualified
-                        else if (bubble.target === point)
-                            bubble.target = null
-                    }
-                }
+        // Every snapshot's dot, in one item: a rank history can hold thousands.
+        ChartDots {
+            x: -margin
+            y: -margin
+            width: plot.width + 2 * margin
+            height: plot.height + 2 * margin
+            margin: 5
+            diameter: 6
+            color: Theme.gold
+            points: root.chart ? root.chart.chartPoints : []
+        }
+
+        // The hovered point, drawn larger and brighter over its dot.
+        Rectangle {
+            id: hovered
+            readonly property point at: bubble.targetIndex >= 0 && root.chart
+                                        ? root.chart.chartPoints[bubble.targetIndex] : Qt.point(0, 0)
+            visible: bubble.targetIndex >= 0
+            x: at.x * plot.width - width / 2
+            y: at.y * plot.height - height / 2
+            width: 9
+            height: 9
+            radius: width / 2
+            color: Theme.goldBright
+        }
+
+        // One hover area for all points: the nearest within 7 px of the pointer is shown.
+        MouseArea {
+            anchors.fill: parent
+            anchors.margins: -7
+            hoverEnabled: true
+            acceptedButtons: Qt.NoButton
+            onPositionChanged: mouse => {
+                bubble.targetIndex = root.chart ? root.chart.pointAt(mouse.x - 7, mouse.y - 7, plot.width, plot.height, 7) : -1
             }
+            onExited: bubble.targetIndex = -1
         }
 
         // The hovered point's rank and date.
         Rectangle {
             id: bubble
-            property Item target: null
             property int targetIndex: -1
-            function show(item: Item, index: int) {
-                target = item
-                targetIndex = index
-            }
-            visible: target !== null
+            visible: targetIndex >= 0
             z: 2
             width: bubbleText.implicitWidth + 16
             height: bubbleText.implicitHeight + 8
@@ -144,13 +149,13 @@ Item {
             color: Theme.glassDark
             border.width: 1
             border.color: Qt.rgba(Theme.gold.r, Theme.gold.g, Theme.gold.b, 0.5)
-            x: target ? Math.max(0, Math.min(plot.width - width, target.x + target.width / 2 - width / 2)) : 0
-            y: target ? (target.y > height + 8 ? target.y - height - 6 : target.y + target.height + 6) : 0
+            x: Math.max(0, Math.min(plot.width - width, hovered.x + hovered.width / 2 - width / 2))
+            y: hovered.y > height + 8 ? hovered.y - height - 6 : hovered.y + hovered.height + 6
             ThemeText {
                 id: bubbleText
                 role: Theme.Caption
                 anchors.centerIn: parent
-                text: bubble.target && root.chart ? root.chart.pointCaption(bubble.targetIndex) : ""
+                text: visible && root.chart ? root.chart.pointCaption(bubble.targetIndex) : ""
             }
         }
     }

@@ -177,8 +177,27 @@ QString RankModel::pointCaption(int index) const {
            QLocale().toString(point.date.toLocalTime().date(), QLocale::ShortFormat);
 }
 
+int RankModel::pointAt(double x, double y, double width, double height, double reach) const {
+    return pointAt(m_points, QPointF(x, y), QSizeF(width, height), reach);
+}
+
+int RankModel::pointAt(const std::vector<QPointF>& points, QPointF at, QSizeF plot, double reach) {
+    if (plot.width() <= 0 || plot.height() <= 0)
+        return -1;
+    // The points run left to right: only those within reach horizontally are looked at.
+    const double left = (at.x() - reach) / plot.width();
+    auto it = std::lower_bound(points.begin(), points.end(), left,
+                               [](const QPointF& point, double x) { return point.x() < x; });
+    int found = -1;
+    for (; it != points.end() && it->x() * plot.width() <= at.x() + reach; ++it)
+        if (std::abs(it->y() * plot.height() - at.y()) <= reach)
+            found = static_cast<int>(it - points.begin());
+    return found;
+}
+
 void RankModel::layoutChart() {
     m_chartPoints.clear();
+    m_points.clear();
     m_chartLine.clear();
     m_yTicks.clear();
     m_xTicks.clear();
@@ -212,6 +231,7 @@ void RankModel::layoutChart() {
         points.emplace_back(xOf(i), yOf(m_series[i].lp));
         m_chartPoints.append(points.back());
     }
+    m_points = points;
     // Dense series are already smooth at screen resolution.
     const int samples = n > 200 ? 1 : n > 60 ? 3 : 10;
     for (const QPointF& p : smoothLine(points, samples))

@@ -4,6 +4,7 @@
 
 #include <QDateTime>
 #include <QPointF>
+#include <QSizeF>
 #include <QString>
 #include <QVariantList>
 #include <vector>
@@ -74,6 +75,11 @@ public:
     [[nodiscard]] const QVariantList& chartPoints() const { return m_chartPoints; }
     // "Gold II · 3/2/25": what a hovered point tells.
     Q_INVOKABLE QString pointCaption(int index) const;
+    // The point under (x, y) of a plot of the given size, or -1: the one drawn last among those
+    // within reach (half the hover square's side) of it.
+    Q_INVOKABLE int pointAt(double x, double y, double width, double height, double reach) const;
+    // The same over points in the unit square, sorted by x.
+    [[nodiscard]] static int pointAt(const std::vector<QPointF>& points, QPointF at, QSizeF plot, double reach);
     [[nodiscard]] const QVariantList& chartLine() const { return m_chartLine; }
     [[nodiscard]] const QVariantList& yTicks() const { return m_yTicks; }
     [[nodiscard]] const QVariantList& xTicks() const { return m_xTicks; }
@@ -109,6 +115,7 @@ private:
     std::optional<Current> m_current;
     std::vector<LpPoint> m_series;
     QVariantList m_chartPoints;
+    std::vector<QPointF> m_points; // the same, for hovering
     QVariantList m_chartLine;
     QVariantList m_yTicks;
     QVariantList m_xTicks;

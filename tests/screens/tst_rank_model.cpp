@@ -245,6 +245,28 @@ private Q_SLOTS:
             QVERIFY(line[i].x() >= line[i - 1].x());
     }
 
+    // A plot of 1000 × 200 px; the points' hover squares reach 7 px each way.
+    void pointUnderThePointer_data() {
+        QTest::addColumn<QPointF>("pointer");
+        QTest::addColumn<int>("expected");
+        QTest::newRow("on a point") << QPointF(100, 100) << 1;
+        QTest::newRow("at the reach's corner") << QPointF(107, 93) << 1;
+        QTest::newRow("just beyond it") << QPointF(107.5, 100) << -1;
+        QTest::newRow("right x, wrong height") << QPointF(100, 120) << -1;
+        QTest::newRow("between far points") << QPointF(50, 100) << -1;
+        QTest::newRow("two within reach: the later, drawn on top") << QPointF(503, 40) << 3;
+        QTest::newRow("the first point, on the left edge") << QPointF(-5, 200) << 0;
+        QTest::newRow("the last point, on the right edge") << QPointF(1006, 0) << 4;
+    }
+    void pointUnderThePointer() {
+        QFETCH(QPointF, pointer);
+        QFETCH(int, expected);
+        const std::vector<QPointF> points{{0, 1}, {0.1, 0.5}, {0.5, 0.2}, {0.504, 0.2}, {1, 0}};
+        QCOMPARE(RankModel::pointAt(points, pointer, QSizeF(1000, 200), 7), expected);
+        QCOMPARE(RankModel::pointAt({}, pointer, QSizeF(1000, 200), 7), -1);
+        QCOMPARE(RankModel::pointAt(points, pointer, QSizeF(0, 0), 7), -1);
+    }
+
     void lpTicksCoverTheRangeEvenly_data() {
         QTest::addColumn<qint64>("low");
         QTest::addColumn<qint64>("high");
