@@ -31,16 +31,12 @@
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTimer>
-#include <QtQml/QQmlExtensionPlugin>
 #include <algorithm>
 #include <cstdio>
 #include <ctime>
 #include <numeric>
 #include <sys/resource.h>
 #include <unistd.h>
-
-Q_IMPORT_QML_PLUGIN(QuillFern_OverlayPlugin)
-Q_IMPORT_QML_PLUGIN(QuillFern_ThemePlugin)
 
 namespace {
 
@@ -173,7 +169,7 @@ bool measureOn(const QString& self, int runSeconds) {
     auto timed = std::make_shared<TimedWindowList>(source);
     OverlayManager overlay({timed, &WindowLocator::systemScreens, port});
     overlay.setEnabled(true);
-    // The first passes make the strip's window and load its QML once; they are not the steady state.
+    // The first passes connect to the game and make the strip's window; they are not the steady state.
     QElapsedTimer clock;
     clock.start();
     while (!overlay.status().startsWith(QLatin1String("In game")) && clock.elapsed() < 20'000)

@@ -5,6 +5,7 @@
 
 #include "archive/archive_store.h"
 #include "overlay/overlay_manager.h"
+#include "overlay/strip_window.h"
 #include "screens/history_model.h"
 #include "screens/rank_model.h"
 #include "session/app_state.h"
@@ -618,38 +619,11 @@ struct Scene {
         return ok;
     }
 
-    // The strip's window as the screen would show it: its own pixels with their transparency.
-    // A headless grab has no alpha, so the window is grabbed over black and over white, and each
-    // pixel's coverage is what tells the two apart.
-    static QImage grabWithAlpha(QQuickWindow* panel) {
-        const auto grabOver = [panel](const QColor& backdrop) {
-            panel->setColor(backdrop);
-            panel->update();
-            settle(200);
-            return panel->grabWindow().convertToFormat(QImage::Format_RGB32);
-        };
-        const QImage black = grabOver(Qt::black);
-        const QImage white = grabOver(Qt::white);
-        panel->setColor(Qt::transparent);
-        QImage strip(black.size(), QImage::Format_ARGB32);
-        for (int y = 0; y < strip.height(); ++y) {
-            for (int x = 0; x < strip.width(); ++x) {
-                const QRgb b = black.pixel(x, y);
-                const QRgb w = white.pixel(x, y);
-                const int alpha = std::clamp(255 - (qGreen(w) - qGreen(b)), 0, 255);
-                const auto channel = [alpha](int premultiplied) {
-                    return alpha == 0 ? 0 : std::clamp(premultiplied * 255 / alpha, 0, 255);
-                };
-                strip.setPixel(x, y, qRgba(channel(qRed(b)), channel(qGreen(b)), channel(qBlue(b)), alpha));
-            }
-        }
-        return strip;
-    }
-
     // The strip's window over a picture standing in for the game window, where the overlay put it.
     static bool shootStrip(const OverlayController& controller, const QRectF& game, const QString& path) {
-        QQuickWindow* panel = controller.panel();
-        const QImage strip = panel ? grabWithAlpha(panel) : QImage();
+        // The window's own picture, transparency included, painted as the window paints itself.
+        const StripWindow* panel = controller.panel();
+        const QImage strip = panel ? panel->view().image() : QImage();
         QImage picture(game.size().toSize(), QImage::Format_ARGB32_Premultiplied);
         QPainter painter(&picture);
         QLinearGradient ground(0, 0, 0, picture.height());

@@ -1,6 +1,5 @@
 #include "overlay/overlay_controller.h"
 
-#include "overlay/skill_strip_model.h"
 #include "overlay/strip_window.h"
 
 #include <cmath>
@@ -13,12 +12,10 @@ QPointF OverlayController::stripOrigin(const QRectF& gameFrame, const QSizeF& st
 }
 
 void OverlayController::update(const LiveClientData::Snapshot& snapshot, const WindowLocator::Game& game) {
-    if (!m_window) {
-        m_model = std::make_unique<SkillStripModel>();
-        m_window = std::make_unique<StripWindow>(m_model.get());
-    }
-    m_model->setSnapshot(snapshot);
-    const QPointF origin = stripOrigin(game.frame, QSizeF(m_window->fittingSize()));
+    if (!m_window)
+        m_window = std::make_unique<StripWindow>();
+    m_window->setSnapshot(snapshot);
+    const QPointF origin = stripOrigin(game.frame, QSizeF(StripWindow::fittingSize()));
     m_window->place(QPoint(int(std::lround(origin.x())), int(std::lround(origin.y()))));
 }
 
@@ -31,6 +28,6 @@ bool OverlayController::isShowing() const {
     return m_window && m_window->isVisible();
 }
 
-QQuickWindow* OverlayController::panel() const {
+StripWindow* OverlayController::panel() const {
     return m_window.get();
 }

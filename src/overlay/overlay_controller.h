@@ -8,9 +8,7 @@
 #include <QSizeF>
 #include <memory>
 
-class SkillStripModel;
 class StripWindow;
-class QQuickWindow;
 
 // Owns the strip's window: made on the first update and kept until the application ends,
 // hidden whenever no live game is shown.
@@ -30,14 +28,12 @@ public:
 
     [[nodiscard]] bool isShowing() const;
     // The window, once made; for tests and the screenshot tour.
-    [[nodiscard]] QQuickWindow* panel() const;
-    [[nodiscard]] SkillStripModel* model() const { return m_model.get(); }
+    [[nodiscard]] StripWindow* panel() const;
 
     // Where the strip of that size goes: centred across the game window, its top edge 12 points
     // below the window's. In top-left coordinates that is the frame's top plus the gap.
     [[nodiscard]] static QPointF stripOrigin(const QRectF& gameFrame, const QSizeF& strip);
 
 private:
-    std::unique_ptr<SkillStripModel> m_model;
     std::unique_ptr<StripWindow> m_window;
 };

@@ -1,35 +1,26 @@
 #include "overlay/strip_window.h"
 
-#include "overlay/skill_strip_model.h"
-
-#include <QQmlEngine>
-#include <QQuickItem>
+#include <QPainter>
 #include <QSurfaceFormat>
 
-StripWindow::StripWindow(SkillStripModel* model) {
+StripWindow::StripWindow() {
     // Tool: no taskbar entry; WindowTransparentForInput: on X11 an empty input shape, so the
     // game receives every click; WindowDoesNotAcceptFocus: the window manager never focuses it.
     setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::WindowTransparentForInput |
              Qt::WindowDoesNotAcceptFocus);
     // Read by Qt's X11 platform: mapping the window does not activate it either.
     setProperty("_q_showWithoutActivating", true);
+    // An alpha channel, so that around and through the rounded plate the game shows.
     QSurfaceFormat surface = format();
     surface.setAlphaBufferSize(8);
     setFormat(surface);
-    setColor(Qt::transparent);
     setTitle(QStringLiteral("Quill Fern overlay"));
-    resize(initialWidth, initialHeight);
-    setResizeMode(QQuickView::SizeViewToRootObject);
-    engine()->addImportPath(QStringLiteral("qrc:/qt/qml"));
-    setInitialProperties({{QStringLiteral("model"), QVariant::fromValue(model)}});
-    setSource(QUrl(QStringLiteral("qrc:/qt/qml/QuillFern/Overlay/SkillOrderView.qml")));
+    resize(fittingSize());
 }
 
-QSize StripWindow::fittingSize() const {
-    const QQuickItem* root = rootObject();
-    if (!root)
-        return QSize(initialWidth, initialHeight);
-    return QSize(qCeil(root->implicitWidth()), qCeil(root->implicitHeight()));
+void StripWindow::setSnapshot(const LiveClientData::Snapshot& snapshot) {
+    if (m_view.setSnapshot(snapshot))
+        update();
 }
 
 void StripWindow::place(const QPoint& origin) {
@@ -38,4 +29,13 @@ void StripWindow::place(const QPoint& origin) {
         setGeometry(frame);
     if (!isVisible())
         show();
+}
+
+void StripWindow::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    // The backing store keeps the last picture; what lay outside the plate must become clear.
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    painter.fillRect(QRect(QPoint(0, 0), size()), Qt::transparent);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    m_view.paint(painter);
 }

@@ -5,6 +5,7 @@
 // without either it skips.
 
 #include "overlay/overlay_manager.h"
+#include "overlay/strip_window.h"
 #include "overlay/window_locator.h"
 #include "overlay/x11_window_list.h"
 #include "support/fake_live_game.h"
@@ -12,18 +13,13 @@
 #include <QGuiApplication>
 #include <QImage>
 #include <QProcess>
-#include <QQuickWindow>
 #include <QScreen>
 #include <QStandardPaths>
 #include <QTest>
-#include <QtQml/QQmlExtensionPlugin>
 #include <csignal>
 #include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-Q_IMPORT_QML_PLUGIN(QuillFern_OverlayPlugin)
-Q_IMPORT_QML_PLUGIN(QuillFern_ThemePlugin)
 
 namespace {
 
@@ -152,7 +148,7 @@ private Q_SLOTS:
         OverlayManager overlay({windows, &WindowLocator::systemScreens, live.port()});
         overlay.setEnabled(true);
         QTRY_COMPARE(overlay.status(), QStringLiteral("In game · Ahri (level 3)"));
-        QQuickWindow* panel = overlay.controller().panel();
+        StripWindow* panel = overlay.controller().panel();
         QVERIFY(QTest::qWaitForWindowExposed(panel));
         const QSize size = panel->size();
 

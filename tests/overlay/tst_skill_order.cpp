@@ -1,10 +1,10 @@
 #include "overlay/skill_order.h"
+#include "overlay/skill_order_view.h"
 #include "overlay/skill_strip.h"
-#include "overlay/skill_strip_model.h"
 
-#include <QAbstractItemModelTester>
-#include <QSignalSpy>
+#include <QImage>
 #include <QTest>
+#include <cstdlib>
 
 using Ranks = QMap<QString, qint64>;
 Q_DECLARE_METATYPE(Ranks)
@@ -92,33 +92,83 @@ private Q_SLOTS:
         QCOMPARE(lit, next);
     }
 
-    // The model tells QML only of the cells that changed, with the strip's colours.
-    void modelChangesOnlyWhatMoved() {
-        SkillStripModel model;
-        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
-        QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+    // The strip is painted again only when a snapshot changes what it shows.
+    void viewChangesOnlyWithWhatItShows() {
+        SkillOrderView view;
         LiveClientData::Snapshot snapshot;
         snapshot.level = 2;
         snapshot.abilities = {{"Q", 1}, {"W", 0}, {"E", 0}, {"R", 0}};
-        model.setSnapshot(snapshot);
-        QCOMPARE(changed.size(), 1); // Q gains a pip; it was already the one lit
-        QCOMPARE(changed.at(0).at(0).value<QModelIndex>().row(), 0);
-
-        changed.clear();
-        model.setSnapshot(snapshot);
-        QCOMPARE(changed.size(), 0);
-
+        QVERIFY(view.setSnapshot(snapshot)); // Q gains a pip
+        QVERIFY(!view.setSnapshot(snapshot));
+        snapshot.gameTimeSeconds = 95; // the clock moves; nothing on the strip does
+        snapshot.championName = QStringLiteral("Ahri");
+        QVERIFY(!view.setSnapshot(snapshot));
         snapshot.level = 6; // the ultimate opens: Q goes dark, R lights up
-        model.setSnapshot(snapshot);
-        QCOMPARE(changed.size(), 2);
-        const QModelIndex r = model.index(3);
-        QCOMPARE(r.data(SkillStripModel::IsNextRole).toBool(), true);
-        QCOMPARE(r.data(SkillStripModel::AccentRole).value<QColor>(), QColor(200, 170, 110));
-        QCOMPARE(r.data(SkillStripModel::PipCountRole).toInt(), 3);
-        QCOMPARE(model.index(0).data(SkillStripModel::AccentRole).value<QColor>(), QColor(10, 200, 185));
-        QCOMPARE(model.index(0).data(SkillStripModel::FilledPipsRole).toInt(), 1);
+        QVERIFY(view.setSnapshot(snapshot));
+        QCOMPARE(view.cells()[3].isNext, true);
+        QCOMPARE(view.cells()[0].isNext, false);
+    }
+
+    // The painted strip says what its cells say: each ability's pips filled in its colour up to
+    // its rank, the lit square and the glow around it tinted, nothing painted around the plate.
+    void paintedStrip_data() {
+        QTest::addColumn<Ranks>("ranks");
+        QTest::addColumn<qint64>("level");
+        QTest::addColumn<QList<int>>("filled"); // Q W E R
+        QTest::addColumn<int>("lit");           // -1: none
+
+        QTest::newRow("start of a game: Q lit") << Ranks{} << 1ll << QList<int>{0, 0, 0, 0} << 0;
+        QTest::newRow("Ahri at 9: Q lit")
+            << Ranks{{"Q", 4}, {"W", 1}, {"E", 3}, {"R", 1}} << 9ll << QList<int>{4, 1, 3, 1} << 0;
+        QTest::newRow("the ultimate opens at 6")
+            << Ranks{{"Q", 3}, {"W", 1}, {"E", 1}, {"R", 0}} << 6ll << QList<int>{3, 1, 1, 0} << 3;
+        QTest::newRow("W behind: W lit") << Ranks{{"Q", 5}, {"W", 2}, {"E", 5}, {"R", 3}} << 16ll
+                                         << QList<int>{5, 2, 5, 3} << 1;
+        QTest::newRow("ranks beyond the pips: capped, none lit")
+            << Ranks{{"Q", 7}, {"W", 5}, {"E", 6}, {"R", 4}} << 18ll << QList<int>{5, 5, 5, 3} << -1;
+    }
+    void paintedStrip() {
+        QFETCH(Ranks, ranks);
+        QFETCH(qint64, level);
+        QFETCH(QList<int>, filled);
+        QFETCH(int, lit);
+        LiveClientData::Snapshot snapshot;
+        snapshot.abilities = ranks;
+        snapshot.level = level;
+        SkillOrderView view;
+        view.setSnapshot(snapshot);
+        const QImage image = view.image().convertToFormat(QImage::Format_ARGB32);
+        QCOMPARE(image.size(), QSize(208, 63));
+        QCOMPARE(qAlpha(image.pixel(0, 0)), 0);      // the plate's rounded corner
+        QCOMPARE(qAlpha(image.pixel(104, 59)), 140); // the plate between two cells: black at 55 %
+
+        // A grey pixel is the plate or an unlit square; a lit one leans to the ability's colour.
+        const auto tinted = [&image](QPointF at) {
+            const QRgb pixel = image.pixel(at.toPoint());
+            return std::abs(qRed(pixel) - qBlue(pixel)) + std::abs(qGreen(pixel) - qBlue(pixel)) > 40;
+        };
+        for (int i = 0; i < 4; ++i) {
+            const SkillStrip::Cell& cell = view.cells()[std::size_t(i)];
+            const QColor accent = i == 3 ? QColor(200, 170, 110) : QColor(10, 200, 185);
+            int shown = 0;
+            for (int pip = 0; pip < cell.pips; ++pip) {
+                const QRectF rect = SkillOrderView::pipRect(i, cell, pip);
+                const QRgb middle = image.pixel(QPoint(int(rect.center().x()), int(rect.center().y())));
+                if (middle == accent.rgba())
+                    ++shown;
+                else
+                    QVERIFY2(qAlpha(middle) < 255, qPrintable(QStringLiteral("cell %1 pip %2").arg(i).arg(pip)));
+            }
+            QCOMPARE(shown, filled.at(i));
+            QCOMPARE(cell.pips, i == 3 ? 3 : 5);
+
+            const QRectF square = SkillOrderView::cellRect(i);
+            const QString where = QStringLiteral("cell %1").arg(i);
+            QVERIFY2(tinted(square.topLeft() + QPointF(5, 5)) == (i == lit), qPrintable(where + " square"));
+            QVERIFY2(tinted(QPointF(square.center().x(), square.top() - 3)) == (i == lit), qPrintable(where + " glow"));
+        }
     }
 };
 
-QTEST_GUILESS_MAIN(TestSkillOrder)
+QTEST_MAIN(TestSkillOrder)
 #include "tst_skill_order.moc"
