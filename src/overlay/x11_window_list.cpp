@@ -45,6 +45,7 @@ void X11WindowList::disconnect() {
     if (m_connection)
         xcb_disconnect(m_connection);
     m_connection = nullptr;
+    m_owners.clear(); // another server's windows may reuse the ids
 }
 
 bool X11WindowList::connect() {
@@ -96,21 +97,25 @@ std::optional<QList<WindowListSource::Window>> X11WindowList::windows() {
     if (!connect())
         return std::nullopt;
 
+    // Both lists are asked for at once: without a window manager the first is missing, and asking
+    // for the second only then would cost another round trip to the server.
     std::vector<xcb_window_t> stack;
     const xcb_get_property_cookie_t listCookie =
         xcb_get_property(m_connection, 0, m_root, m_clientListStacking, XCB_ATOM_WINDOW, 0, 1 << 16);
+    const xcb_query_tree_cookie_t treeCookie = xcb_query_tree(m_connection, m_root);
     ReplyPtr<xcb_get_property_reply_t> list(xcb_get_property_reply(m_connection, listCookie, nullptr));
     if (!list) {
+        xcb_discard_reply(m_connection, treeCookie.sequence);
         disconnect();
         return std::nullopt;
     }
     if (list->type == XCB_ATOM_WINDOW && list->format == 32) {
+        xcb_discard_reply(m_connection, treeCookie.sequence);
         const auto* ids = static_cast<const xcb_window_t*>(xcb_get_property_value(list.get()));
         stack.assign(ids, ids + xcb_get_property_value_length(list.get()) / 4);
     } else {
         // No window manager keeps a list: the top-level windows are the root's children.
-        ReplyPtr<xcb_query_tree_reply_t> tree(
-            xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, m_root), nullptr));
+        ReplyPtr<xcb_query_tree_reply_t> tree(xcb_query_tree_reply(m_connection, treeCookie, nullptr));
         if (!tree)
             return std::nullopt;
         const xcb_window_t* children = xcb_query_tree_children(tree.get());
@@ -141,7 +146,8 @@ std::optional<QList<WindowListSource::Window>> X11WindowList::windows() {
     // Qt's coordinates are the display's pixels divided by its scale, which is 1 unless Qt was
     // told to scale.
     const double scale = qGuiApp ? qGuiApp->devicePixelRatio() : 1.0;
-    QHash<quint32, QString> owners;
+    QHash<std::uint32_t, Owner> owners;
+    QHash<quint32, QString> namesRead; // the processes read this time, for their other windows
     QList<Window> windows;
     for (const Pending& query : pending) {
         // A window that went away meanwhile answers with errors; it is simply left out.
@@ -169,15 +175,24 @@ std::optional<QList<WindowListSource::Window>> X11WindowList::windows() {
         if (pid && pid->type == XCB_ATOM_CARDINAL && pid->format == 32 &&
             xcb_get_property_value_length(pid.get()) >= 4) {
             const quint32 id = *static_cast<const quint32*>(xcb_get_property_value(pid.get()));
-            auto owner = owners.constFind(id);
-            if (owner == owners.cend())
-                owner = owners.insert(id, ownerOf(id));
-            window.ownerName = *owner;
+            const auto known = m_owners.constFind(query.window);
+            Owner owner;
+            if (known != m_owners.cend() && known->pid == id) {
+                owner = *known;
+            } else {
+                auto read = namesRead.constFind(id);
+                if (read == namesRead.cend())
+                    read = namesRead.insert(id, ownerOf(id));
+                owner = Owner{id, *read};
+            }
+            owners.insert(query.window, owner);
+            window.ownerName = owner.name;
         }
         window.layer = layer;
         window.bounds =
             QRectF(origin->dst_x / scale, origin->dst_y / scale, geometry->width / scale, geometry->height / scale);
         windows.append(std::move(window));
     }
+    m_owners = std::move(owners);
     return windows;
 }

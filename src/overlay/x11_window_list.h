@@ -3,6 +3,7 @@
 #include "overlay/window_list_source.h"
 
 #include <QByteArray>
+#include <QHash>
 #include <QString>
 #include <cstdint>
 
@@ -36,4 +37,12 @@ private:
     std::uint32_t m_windowType = 0;
     std::uint32_t m_typeDesktop = 0;
     std::uint32_t m_typeDock = 0;
+    // The owner of each window listed last time, by window. A window keeps the process that made
+    // it, so its owner is read from /proc once rather than every pass; a window that now names
+    // another process is read again.
+    struct Owner {
+        quint32 pid = 0;
+        QString name;
+    };
+    QHash<std::uint32_t, Owner> m_owners;
 };
