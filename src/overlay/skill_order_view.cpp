@@ -137,6 +137,11 @@ const QImage& SkillOrderView::sprite(int which, qreal devicePixelRatio) const {
     return image;
 }
 
+void SkillOrderView::prepare(qreal devicePixelRatio) const {
+    for (int which = 0; which < spriteCount; ++which)
+        sprite(which, devicePixelRatio);
+}
+
 void SkillOrderView::paint(QPainter& painter) const {
     const qreal ratio = painter.device() ? painter.device()->devicePixelRatio() : 1.0;
     painter.drawImage(QPointF(0, 0), sprite(plateSprite, ratio));

@@ -16,9 +16,9 @@ class QPainter;
 // its key over a row of pips (5, or 3 for the ultimate) filled up to its rank, the next ability
 // to level lit in its colour with a glow around it. Painted with QPainter, so the strip's window
 // needs neither a scene graph nor a QML engine for a few shapes that change once per level.
-// Each part (the plate, a square lit or unlit with its key, a pip) is drawn once, when first
-// needed, and afterwards only copied: drawing the rounded shapes and laying out the keys at
-// every level-up cost as much as the whole rest of the overlay's pass.
+// Each part (the plate, a square lit or unlit with its key, a pip) is drawn once and afterwards
+// only copied: drawing the rounded shapes and laying out the keys at every level-up cost as much
+// as the whole rest of the overlay's pass.
 class SkillOrderView {
 public:
     static constexpr int cellSide = 40;
@@ -49,6 +49,9 @@ public:
     [[nodiscard]] static QRectF cellRect(int cell);
     [[nodiscard]] static QRectF pipRect(int cell, const SkillStrip::Cell& content, int pip);
 
+    // Draws every part at that pixel ratio now, so that no later paint has to: drawing a lit
+    // square for the first time in the middle of a game costs as much as a whole pass.
+    void prepare(qreal devicePixelRatio) const;
     // Paints the strip with its top-left corner at the painter's origin, over whatever is there;
     // around the rounded plate nothing is painted.
     void paint(QPainter& painter) const;

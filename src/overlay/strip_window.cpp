@@ -16,6 +16,8 @@ StripWindow::StripWindow() {
     setFormat(surface);
     setTitle(QStringLiteral("Quill Fern overlay"));
     resize(fittingSize());
+    // Made with the window, at the first pass that finds a game, rather than at a level-up.
+    m_view.prepare(devicePixelRatio());
 }
 
 void StripWindow::setSnapshot(const LiveClientData::Snapshot& snapshot) {
