@@ -57,10 +57,13 @@ Value valueOf(const QList<qint64>& v) {
 Value valueOf(qint32 v) {
     return static_cast<qint64>(v);
 }
+Value valueOf(qint16 v) {
+    return static_cast<qint64>(v);
+}
 Value valueOf(const SharedText& v) {
     return v.isNull() ? Value{} : Value{v.utf8().toByteArray()};
 }
-Value valueOf(OptionalInt v) {
+template <class T> Value valueOf(OptionalInt<T> v) {
     return v ? Value{static_cast<qint64>(*v)} : Value{};
 }
 Value valueOf(OptionalReal v) {

@@ -107,10 +107,15 @@ ArchiveStore::ArchiveStore(const QString& path, QObject* parent) : QObject(paren
         m_db.execute(QStringLiteral("PRAGMA journal_mode = WAL"));
         m_db.execute(QStringLiteral("PRAGMA synchronous = NORMAL"));
         migrate();
+        // The whole file is read once at start: mapped, SQLite reads it in place instead of
+        // copying every page through read(2). The mapping goes again once the reading is done,
+        // so that the file's pages do not stay counted as the app's memory.
+        m_db.execute(QStringLiteral("PRAGMA mmap_size = 1073741824"));
         load(m_matches);
         load(m_participants);
         load(m_rankSnapshots);
         load(m_scores);
+        m_db.execute(QStringLiteral("PRAGMA mmap_size = 0"));
         releaseLoadingMemory();
     } catch (const StoreError& error) {
         // SQLite's "database is locked" would leave the player guessing which program holds it.
@@ -149,8 +154,12 @@ void ArchiveStore::migrate() {
 }
 
 template <class Record> void ArchiveStore::load(RecordTable<Record>& table) {
-    table.reserve(static_cast<std::size_t>(
-        m_db.queryInteger(QStringLiteral("SELECT count(*) FROM %1").arg(QLatin1String(RecordColumns<Record>::table)))));
+    // The largest id bounds the count and is read from the end of the table, where count(*)
+    // would walk all of it. A row brings about one text not seen before (a stranger's id or name).
+    const qint64 rows = m_db.queryInteger(
+        QStringLiteral("SELECT coalesce(max(local_id), 0) FROM %1").arg(QLatin1String(RecordColumns<Record>::table)));
+    table.reserve(static_cast<std::size_t>(rows));
+    SharedText::reserve(rows / 2);
     SqliteStatement select(
         m_db, QStringLiteral("SELECT %1 FROM %2 ORDER BY local_id")
                   .arg(columnNames<Record>().join(QStringLiteral(", ")), QLatin1String(RecordColumns<Record>::table)));
@@ -173,6 +182,7 @@ template <class Record> void ArchiveStore::load(RecordTable<Record>& table) {
         }
         table.adopt(std::move(record));
     }
+    table.releaseSpare();
 }
 
 template <class Record> void ArchiveStore::write(RecordTable<Record>& table) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "archive/exact_participant.h"
 #include "archive/item_slots.h"
 #include "archive/optional_int.h"
 #include "archive/optional_real.h"
@@ -8,22 +9,23 @@
 #include "backend/archive_records.h"
 
 #include <QString>
-#include <memory>
 #include <optional>
 
 // One player's line in one stored game.
 //
-// An archive holds ten of these per game, so the row is kept small: texts are shared (a player's
-// id is a 4-byte number equal in all their games), game figures are 32-bit, items lie in the row.
-// A figure the backend sends beyond 32 bits (or more than seven items) does not fit: the row then
-// shows what fits and keeps the backend's exact record beside it, which is what is written to
-// disk, so nothing the backend sent is lost.
+// An archive holds ten of these per game, so the row is kept small (136 bytes): texts are shared
+// (a player's id is a 4-byte number equal in all their games), each figure has the width a game's
+// figures need, items lie in the row. A figure the backend sends beyond its width (or more than
+// seven items) does not fit: the row then shows what fits and keeps the backend's exact record
+// beside it, which is what is written to disk, so nothing the backend sent is lost.
 struct LocalParticipant {
     // What the statistics read of every row comes first, in the row's first 24 bytes, so that a
     // pass over all rows fetches little more than that of each.
     qint64 matchServerId = 0;
     SharedText puuid = SharedText::empty();
-    qint32 teamId = 0;
+    qint16 teamId = 0;
+    bool win = false;
+    OptionalInt<qint8> champLevel;
     PlayerName riotIdGameName; // absent when the backend had none
     qint64 localId = 0;
     qint64 serverId = 0;
@@ -35,26 +37,20 @@ struct LocalParticipant {
     SharedText teamPosition;
     SharedText rankTier;
     SharedText rankDivision;
+    // Figures in the width a game's take; gold and damage run past 32,767.
     qint32 championId = 0;
-    qint32 kills = 0;
-    qint32 deaths = 0;
-    qint32 assists = 0;
-    qint32 totalCs = 0;
-    qint32 goldEarned = 0;
-    qint32 visionScore = 0;
-    qint32 damageToChampions = 0;
-    OptionalInt champLevel;
-    OptionalInt rankLp;
+    qint16 kills = 0;
+    qint16 deaths = 0;
+    qint16 assists = 0;
+    qint16 totalCs = 0;
+    qint16 visionScore = 0;
+    OptionalInt<qint16> rankLp;
     ItemSlots items;
-    bool win = false;
+    qint32 goldEarned = 0;
+    qint32 damageToChampions = 0;
 
     LocalParticipant() = default;
     explicit LocalParticipant(const ParticipantDto& dto);
-    LocalParticipant(const LocalParticipant& other);
-    LocalParticipant& operator=(const LocalParticipant& other);
-    LocalParticipant(LocalParticipant&&) noexcept = default;
-    LocalParticipant& operator=(LocalParticipant&&) noexcept = default;
-    ~LocalParticipant();
 
     void update(const ParticipantDto& dto);
     // The record as the backend sent it: the exact copy when a figure did not fit.
@@ -66,5 +62,5 @@ struct LocalParticipant {
     [[nodiscard]] QString displayName() const;
 
 private:
-    std::unique_ptr<ParticipantDto> m_exact;
+    ExactParticipant m_exact;
 };

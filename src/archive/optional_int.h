@@ -4,21 +4,19 @@
 #include <limits>
 #include <optional>
 
-// An optional 32-bit figure in four bytes: absence is the lowest value, which no game figure
-// takes (a record that carries it is kept exactly elsewhere, as for any figure that does not
-// fit). std::optional<qint32> takes eight.
-class OptionalInt {
+// An optional whole figure in the width of T: absence is T's lowest value, which no game figure
+// takes (a record that carries it, or a figure beyond T, is kept exactly elsewhere, as for any
+// figure that does not fit). std::optional<T> would take twice the room.
+template <class T> class OptionalInt {
 public:
-    static constexpr qint32 absent = std::numeric_limits<qint32>::min();
+    static constexpr T absent = std::numeric_limits<T>::min();
 
     OptionalInt() = default;
     OptionalInt(std::nullopt_t) {}
     // value must not be absent; fits() tells.
-    OptionalInt(qint32 value) : m_value(value) {}
+    OptionalInt(T value) : m_value(value) {}
 
-    [[nodiscard]] static bool fits(qint64 value) {
-        return value > absent && value <= std::numeric_limits<qint32>::max();
-    }
+    [[nodiscard]] static bool fits(qint64 value) { return value > absent && value <= std::numeric_limits<T>::max(); }
 
     [[nodiscard]] bool has_value() const { return m_value != absent; }
     explicit operator bool() const { return has_value(); }
@@ -33,5 +31,5 @@ public:
     friend bool operator==(OptionalInt a, OptionalInt b) { return a.m_value == b.m_value; }
 
 private:
-    qint32 m_value = absent;
+    T m_value = absent;
 };

@@ -27,6 +27,11 @@ public:
     // Room for count records, asked for before a start reads them all: the row list then takes
     // what it needs rather than twice that.
     void reserve(std::size_t count) { m_rows.reserve(count); }
+    // Gives back room reserved for more rows than came (a reserve from a bound, not a count).
+    void releaseSpare() {
+        if (m_rows.capacity() > m_rows.size() + m_rows.size() / 4)
+            m_rows.shrink_to_fit();
+    }
 
     // Adds a record not yet in the store and gives it its identity.
     Record* insert(Record&& record) {

@@ -29,6 +29,33 @@ std::optional<char16_t> lowerUnit(char16_t unit) {
     return char16_t(QChar::toLower(char32_t(unit)));
 }
 
+// Texts are appended to chunks of 256 KiB that never move, and a text's id says where it lies:
+// the chunk's number in the high 16 bits and the offset in 4-byte units in the low 16. Reading a
+// text is one look-up in a small table of chunks (always in cache) and one read of the entry;
+// a table of one pointer per text would cost 8 bytes each and a second cache miss.
+quint64 mixLower(quint64 hash, char16_t lower) {
+    return (hash ^ lower) * 1099511628211ULL;
+}
+
+quint32 finish(quint64 hash) {
+    return static_cast<quint32>(hash ^ (hash >> 32));
+}
+
+constexpr quint64 hashStart = 14695981039346656037ULL;
+
+// The lower-case hash of a text read as UTF-8, without making a QString of the ASCII ones
+// (nearly all: ids, champions, positions, most names).
+quint32 lowerCaseHashOfUtf8(QByteArrayView utf8) {
+    quint64 hash = hashStart;
+    for (const char c : utf8) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte >= 0x80)
+            return SharedText::lowerCaseHashOf(QString::fromUtf8(utf8));
+        hash = mixLower(hash, byte >= 'A' && byte <= 'Z' ? char16_t(byte + 32) : char16_t(byte));
+    }
+    return finish(hash);
+}
+
 class Pool {
 public:
     static Pool& instance() {
@@ -36,15 +63,16 @@ public:
         return pool;
     }
 
-    // The empty text is always the first, so that records can start with it for free.
-    static constexpr quint32 emptyId = 1;
+    // Chunk 0 is never used, so no entry's id is 0 (absent). The empty text comes first, so that
+    // records can start with it for free.
+    static constexpr quint32 emptyId = 1u << 16;
     Pool() { intern(QByteArrayView(""), QStringView(u"")); }
 
     quint32 intern(QByteArrayView utf8, QStringView text) {
         const std::size_t hash = qHashBits(utf8.data(), static_cast<std::size_t>(utf8.size()));
         QMutexLocker lock(&m_lock);
         if ((m_count + 1) * 2 > m_slots.size())
-            grow();
+            grow(m_count + 1);
         std::size_t i = hash & (m_slots.size() - 1);
         for (; m_slots[i] != 0; i = (i + 1) & (m_slots.size() - 1))
             if (bytesOf(m_slots[i]) == utf8)
@@ -53,6 +81,12 @@ public:
         m_slots[i] = id;
         ++m_count;
         return id;
+    }
+
+    void reserve(std::size_t more) {
+        QMutexLocker lock(&m_lock);
+        if ((m_count + more) * 2 > m_slots.size())
+            grow(m_count + more);
     }
 
     quint32 find(QByteArrayView utf8) {
@@ -66,10 +100,10 @@ public:
         return 0;
     }
 
-    // Entries never move and are complete before their id is handed out: no lock needed.
+    // Chunks never move and an entry is complete before its id is handed out: no lock needed.
     [[nodiscard]] const Header* header(quint32 id) const {
-        const char* const* block = m_blocks[id / blockSize].load(std::memory_order_acquire);
-        return reinterpret_cast<const Header*>(block[id % blockSize]);
+        const char* chunk = m_chunkStarts[id >> offsetBits].load(std::memory_order_acquire);
+        return reinterpret_cast<const Header*>(chunk + std::size_t(id & offsetMask) * unit);
     }
 
     [[nodiscard]] QByteArrayView bytesOf(quint32 id) const {
@@ -84,48 +118,47 @@ public:
 
     qsizetype bytes() {
         QMutexLocker lock(&m_lock);
-        return static_cast<qsizetype>(m_arenaBytes + m_slots.size() * sizeof(quint32) +
-                                      (m_count / blockSize + 1) * blockSize * sizeof(char*));
+        return static_cast<qsizetype>(m_arenaBytes + m_slots.size() * sizeof(quint32));
     }
 
 private:
-    static constexpr std::size_t blockSize = 4096;
-    static constexpr std::size_t maxBlocks = 1 << 16;
-    static constexpr std::size_t chunkSize = 256 * 1024;
+    static constexpr unsigned offsetBits = 16;
+    static constexpr quint32 offsetMask = (1u << offsetBits) - 1;
+    static constexpr std::size_t unit = 4;
+    static constexpr std::size_t chunkSize = (std::size_t(1) << offsetBits) * unit;
+    static constexpr std::size_t maxChunks = std::size_t(1) << (32 - offsetBits);
 
     quint32 append(QByteArrayView utf8, QStringView text) {
-        const std::size_t need = (sizeof(Header) + static_cast<std::size_t>(utf8.size()) + 3) & ~std::size_t(3);
+        const std::size_t need = (sizeof(Header) + static_cast<std::size_t>(utf8.size()) + unit - 1) & ~(unit - 1);
         if (need > m_chunkLeft) {
+            // A text longer than a chunk gets one of its own size: it starts at offset 0.
             const std::size_t size = std::max(need, chunkSize);
+            Q_ASSERT(m_chunks.size() + 1 < maxChunks);
             m_chunks.push_back(std::make_unique<char[]>(size));
-            m_next = m_chunks.back().get();
+            m_chunkStarts[m_chunks.size()].store(m_chunks.back().get(), std::memory_order_release);
+            m_used = 0;
             m_chunkLeft = size;
             m_arenaBytes += size;
         }
-        auto* entry = reinterpret_cast<Header*>(m_next);
+        char* at = m_chunks.back().get() + m_used;
+        auto* entry = reinterpret_cast<Header*>(at);
         entry->size = static_cast<quint32>(utf8.size());
-        entry->lowerCaseHash = text.isNull() && !utf8.isEmpty() ? SharedText::lowerCaseHashOf(QString::fromUtf8(utf8))
-                                                                : SharedText::lowerCaseHashOf(text);
+        entry->lowerCaseHash =
+            text.isNull() && !utf8.isEmpty() ? lowerCaseHashOfUtf8(utf8) : SharedText::lowerCaseHashOf(text);
         if (!utf8.isEmpty())
             std::memcpy(entry + 1, utf8.data(), static_cast<std::size_t>(utf8.size()));
-        m_next += need;
+        const auto id = static_cast<quint32>((m_chunks.size() << offsetBits) | (m_used / unit));
+        m_used += need;
         m_chunkLeft -= need;
-
-        const quint32 id = static_cast<quint32>(m_count + 1);
-        const std::size_t blockIndex = id / blockSize;
-        Q_ASSERT(blockIndex < maxBlocks);
-        const char** block = m_ownBlocks.size() > blockIndex ? m_ownBlocks[blockIndex].get() : nullptr;
-        if (!block) {
-            m_ownBlocks.push_back(std::make_unique<const char*[]>(blockSize));
-            block = m_ownBlocks.back().get();
-            m_blocks[blockIndex].store(block, std::memory_order_release);
-        }
-        block[id % blockSize] = reinterpret_cast<const char*>(entry);
         return id;
     }
 
-    void grow() {
-        std::vector<quint32> slots(std::max<std::size_t>(1024, m_slots.size() * 2), 0);
+    // Makes room for count texts at most half the slots full.
+    void grow(std::size_t count) {
+        std::size_t size = std::max<std::size_t>(1024, m_slots.size());
+        while (count * 2 > size)
+            size *= 2;
+        std::vector<quint32> slots(size, 0);
         const std::size_t mask = slots.size() - 1;
         for (const quint32 id : m_slots) {
             if (id == 0)
@@ -142,14 +175,12 @@ private:
     QMutex m_lock;
     std::vector<quint32> m_slots; // ids by hash of their bytes, open addressing; 0 is a free slot
     std::size_t m_count = 0;
-    std::vector<std::unique_ptr<char[]>> m_chunks;
-    char* m_next = nullptr;
+    std::vector<std::unique_ptr<char[]>> m_chunks; // chunk n + 1 is m_chunks[n]
+    std::size_t m_used = 0;                        // bytes taken in the last chunk
     std::size_t m_chunkLeft = 0;
     std::size_t m_arenaBytes = 0;
-    std::vector<std::unique_ptr<const char*[]>> m_ownBlocks;
-    // Readers find an entry through this table without the lock; a block is published once, full
-    // of the entries it will ever hold or to be filled only with ids not yet handed out.
-    std::array<std::atomic<const char* const*>, maxBlocks> m_blocks{};
+    // Readers find a chunk through this table without the lock; an entry is published once.
+    std::array<std::atomic<const char*>, maxChunks> m_chunkStarts{};
 };
 
 // UTF-8 of a text, in a buffer each thread reuses: interning a sync page's texts would
@@ -196,18 +227,18 @@ quint32 SharedText::lowerCaseHash() const {
 }
 
 quint32 SharedText::lowerCaseHashOf(QStringView text) {
-    quint64 hash = 14695981039346656037ULL;
+    quint64 hash = hashStart;
     for (const QChar c : text) {
         const std::optional<char16_t> lower = lowerUnit(c.unicode());
         if (!lower) {
-            hash = 14695981039346656037ULL;
+            hash = hashStart;
             for (const QChar lowered : text.toString().toLower())
-                hash = (hash ^ lowered.unicode()) * 1099511628211ULL;
-            return static_cast<quint32>(hash ^ (hash >> 32));
+                hash = mixLower(hash, lowered.unicode());
+            return finish(hash);
         }
-        hash = (hash ^ *lower) * 1099511628211ULL;
+        hash = mixLower(hash, *lower);
     }
-    return static_cast<quint32>(hash ^ (hash >> 32));
+    return finish(hash);
 }
 
 bool SharedText::equals(QStringView text) const {
@@ -226,6 +257,10 @@ bool SharedText::equals(QLatin1String text) const {
     if (ascii)
         return bytes == QByteArrayView(text.data(), text.size());
     return QString::fromUtf8(bytes) == text;
+}
+
+void SharedText::reserve(qsizetype more) {
+    Pool::instance().reserve(static_cast<std::size_t>(std::max<qsizetype>(0, more)));
 }
 
 qsizetype SharedText::distinctCount() {

@@ -58,6 +58,10 @@ public:
     friend bool operator==(SharedText a, const QString& b) { return !a.isNull() && a.equals(b); }
     friend bool operator==(SharedText a, QLatin1String b) { return !a.isNull() && a.equals(b); }
 
+    // Makes room for about `more` new texts at once, so that a start that adds them by the
+    // hundred thousand does not rebuild the look-up table on the way.
+    static void reserve(qsizetype more);
+
     // How many distinct texts the process holds, and their bytes with bookkeeping, for reports.
     [[nodiscard]] static qsizetype distinctCount();
     [[nodiscard]] static qsizetype heldBytes();

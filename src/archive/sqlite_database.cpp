@@ -175,12 +175,8 @@ void SqliteStatement::read(int column, QDateTime& out) const {
     out = QDateTime::fromMSecsSinceEpoch(sqlite3_column_int64(m_statement, column), Qt::UTC);
 }
 
-void SqliteStatement::read(int column, qint32& out) const {
-    const qint64 value = sqlite3_column_int64(m_statement, column);
-    out = static_cast<qint32>(
-        std::clamp<qint64>(value, std::numeric_limits<qint32>::min(), std::numeric_limits<qint32>::max()));
-    if (out != value)
-        m_narrowed = true;
+qint64 SqliteStatement::readInteger(int column) const {
+    return sqlite3_column_int64(m_statement, column);
 }
 
 void SqliteStatement::read(int column, ItemSlots& out) const {
@@ -207,9 +203,14 @@ void SqliteStatement::read(int column, ItemSlots& out) const {
         m_narrowed = true;
 }
 
+QByteArrayView SqliteStatement::text(int column) const {
+    const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(m_statement, column));
+    return bytes ? QByteArrayView(bytes, sqlite3_column_bytes(m_statement, column)) : QByteArrayView();
+}
+
 void SqliteStatement::read(int column, SharedText& out) const {
-    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(m_statement, column));
-    out = text ? SharedText::fromUtf8(QByteArrayView(text, sqlite3_column_bytes(m_statement, column))) : SharedText();
+    const QByteArrayView bytes = text(column);
+    out = bytes.data() ? SharedText::fromUtf8(bytes) : SharedText();
 }
 
 void SqliteStatement::read(int column, OptionalReal& out) const {
@@ -217,18 +218,6 @@ void SqliteStatement::read(int column, OptionalReal& out) const {
         out.reset();
     else
         out = sqlite3_column_double(m_statement, column);
-}
-
-void SqliteStatement::read(int column, OptionalInt& out) const {
-    if (isNull(column)) {
-        out.reset();
-        return;
-    }
-    const qint64 value = sqlite3_column_int64(m_statement, column);
-    if (OptionalInt::fits(value))
-        out = static_cast<qint32>(value);
-    else
-        m_narrowed = true;
 }
 
 void SqliteStatement::read(int column, QList<qint64>& out) const {

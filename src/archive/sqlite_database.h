@@ -10,6 +10,8 @@
 #include <QList>
 #include <QString>
 #include <QStringEncoder>
+#include <algorithm>
+#include <limits>
 #include <optional>
 #include <vector>
 
@@ -36,7 +38,8 @@ public:
     // The shared text's own bytes, which never move: SQLite reads them without a copy.
     void bind(int index, SharedText value);
     void bind(int index, const ItemSlots& value);
-    void bind(int index, OptionalInt value) {
+    void bind(int index, qint16 value) { bind(index, static_cast<qint64>(value)); }
+    template <class T> void bind(int index, OptionalInt<T> value) {
         if (value)
             bind(index, static_cast<qint64>(*value));
         else
@@ -61,6 +64,8 @@ public:
     void reset();
 
     [[nodiscard]] bool isNull(int column) const;
+    // A text column's UTF-8 bytes, valid until the next step; a null view for NULL.
+    [[nodiscard]] QByteArrayView text(int column) const;
     void read(int column, qint64& out) const;
     void read(int column, bool& out) const;
     void read(int column, double& out) const;
@@ -69,7 +74,8 @@ public:
     void read(int column, QList<qint64>& out) const;
     // Narrow reads: a stored value that does not fit sets narrowed() (the field then holds what
     // fits), so that the caller can read the row again into a record that holds it exactly.
-    void read(int column, qint32& out) const;
+    void read(int column, qint32& out) const { readNarrow(column, out); }
+    void read(int column, qint16& out) const { readNarrow(column, out); }
     void read(int column, ItemSlots& out) const;
     void read(int column, SharedText& out) const; // absent for NULL
     void read(int column, PlayerName& out) const {
@@ -78,7 +84,17 @@ public:
         out = text;
     }
     void read(int column, OptionalReal& out) const;
-    void read(int column, OptionalInt& out) const;
+    template <class T> void read(int column, OptionalInt<T>& out) const {
+        if (isNull(column)) {
+            out.reset();
+            return;
+        }
+        const qint64 value = readInteger(column);
+        if (OptionalInt<T>::fits(value))
+            out = static_cast<T>(value);
+        else
+            m_narrowed = true;
+    }
     [[nodiscard]] bool narrowed() const { return m_narrowed; }
     void clearNarrowed() { m_narrowed = false; }
     template <class T> void read(int column, std::optional<T>& out) const {
@@ -92,6 +108,16 @@ public:
     }
 
 private:
+    [[nodiscard]] qint64 readInteger(int column) const;
+    // A whole figure into a narrower field: the nearest it can hold, and the statement
+    // remembers that the row did not fit.
+    template <class T> void readNarrow(int column, T& out) const {
+        const qint64 value = readInteger(column);
+        out = static_cast<T>(std::clamp<qint64>(value, std::numeric_limits<T>::min(), std::numeric_limits<T>::max()));
+        if (out != value)
+            m_narrowed = true;
+    }
+
     // Text bound to parameter index, kept until the next bind of that index so that SQLite can
     // read it without a copy of its own.
     QByteArray& textBuffer(int index);

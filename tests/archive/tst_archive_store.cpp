@@ -142,8 +142,9 @@ private Q_SLOTS:
                  0.64);
     }
 
-    // Rows hold 32-bit figures and seven items; a record beyond that is kept exactly beside the
-    // row, written whole and read back whole.
+    // Rows hold figures in the width of a game's and seven items; a record beyond that is kept
+    // exactly beside the row, written whole and read back whole, and goes with the row when it is
+    // copied or moved.
     void figuresBeyondTheRowKeptExactly() {
         QJsonObject json = participant(21, 11, "p-wide");
         json["kills"] = 5'000'000'000.0;
@@ -152,7 +153,15 @@ private Q_SLOTS:
         {
             ArchiveStore store(m_path);
             LocalParticipant* row = store.participants().insert(std::make_unique<LocalParticipant>(sent));
-            QCOMPARE(row->kills, std::numeric_limits<qint32>::max());
+            QCOMPARE(row->kills, std::numeric_limits<qint16>::max());
+            auto moved = std::make_unique<LocalParticipant>(*row);
+            LocalParticipant copy = std::move(*moved);
+            moved.reset();
+            QVERIFY(copy.exact() && copy.exact() != row->exact());
+            QCOMPARE(copy.toDto().kills, 5'000'000'000LL);
+            copy = LocalParticipant(dtoOf<ParticipantDto>(participant(22, 11, "p-narrow")));
+            QVERIFY(!copy.exact());
+            QCOMPARE(row->toDto().kills, 5'000'000'000LL);
             store.save();
         }
         ArchiveStore store(m_path);
