@@ -1,8 +1,9 @@
 // Starts the real app twice, over an empty archive and over the synthetic one, signed in against
 // a loopback backend, and prints what each holds resident once it has settled, and the
 // difference: what the archive costs in memory. With --visit (on a virtual X display of its own,
-// Xvfb and xdotool needed) it then opens every archive screen from the sidebar and measures
-// again once the app has settled after each; without, the app runs on the offscreen platform and
+// Xvfb and xdotool needed, as the offscreen platform takes no clicks) it then opens every archive
+// screen from the sidebar and measures again once the app has settled after each, and also
+// starts both on the offscreen platform; without, the app runs on the offscreen platform and
 // shows the overview.
 //
 //   bench_memory [--games N] [--app PATH] [--settle-ms N] [--visit]
@@ -86,14 +87,16 @@ void script(FakeBackend& backend, const QList<RiotAccountDto>& accounts) {
 struct Run {
     bool ok = false;
     Resident settled;
-    Resident visited;   // after every archive screen was opened, with --visit
-    double seconds = 0; // from the launch until the figure settled
+    Resident visited;              // after every archive screen was opened, with --visit
+    std::vector<Resident> screens; // after each of them, in sidebar order
+    double seconds = 0;            // from the launch until the figure settled
 };
 
 // Where the sidebar's entries lie in the window at its first size, top-left at the screen's
-// origin (no window manager): Match History, Champions, Rank, Friends, Search, Overview.
+// origin (no window manager), in the order they are opened.
 constexpr int sidebarX = 73;
 constexpr int sidebarEntries[] = {190, 230, 270, 310, 350, 150};
+constexpr const char* sidebarNames[] = {"Match History", "Champions", "Rank", "Friends", "Search", "Overview"};
 
 // Waits until the resident size has stayed within 1 MB for settleMs; the last size, or none when
 // the process went away or two minutes passed.
@@ -154,6 +157,10 @@ Run measure(const QString& app, const SyntheticArchive* archive, int settleMs, c
     } else {
         environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
         environment.insert(QStringLiteral("DISPLAY"), display);
+        // Drawn as on the offscreen platform, by Qt Quick's software renderer: the archive's share
+        // then comes out as offscreen (64.7 against 64.8 MB when measured side by side), where
+        // Mesa's OpenGL on Xvfb would add some 100 MB of its own to both runs.
+        environment.insert(QStringLiteral("QT_QUICK_BACKEND"), QStringLiteral("software"));
     }
     environment.insert(QStringLiteral("XDG_DATA_HOME"), data);
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), config);
@@ -191,6 +198,7 @@ Run measure(const QString& app, const SyntheticArchive* archive, int settleMs, c
                 break;
             }
             run.visited = *after;
+            run.screens.push_back(*after);
         }
     }
     if (!run.ok) {
@@ -261,11 +269,14 @@ int main(int argc, char** argv) {
 
     const Run empty = measure(app, nullptr, settleMs, display);
     const Run full = measure(app, &archive, settleMs, display);
+    // The offscreen starts as well, so that the figure after every screen can be set on them.
+    const Run emptyOffscreen = display.isEmpty() ? empty : measure(app, nullptr, settleMs, QString());
+    const Run fullOffscreen = display.isEmpty() ? full : measure(app, &archive, settleMs, QString());
     if (xvfb.state() == QProcess::Running) {
         xvfb.terminate();
         xvfb.waitForFinished(5'000);
     }
-    if (!empty.ok || !full.ok)
+    if (!empty.ok || !full.ok || !emptyOffscreen.ok || !fullOffscreen.ok)
         return 1;
 
     std::printf("%-24s %12s %12s %10s\n", "Start", "resident MB", "peak MB", "settled");
@@ -274,16 +285,22 @@ int main(int argc, char** argv) {
     std::printf("%-24s %12.1f %12.1f %9.1fs\n", qPrintable(QStringLiteral("%1-game archive").arg(options.games)),
                 megabytes(full.settled.now), megabytes(full.settled.peak), full.seconds);
     if (!display.isEmpty()) {
-        std::printf("%-24s %12.1f %12.1f\n", "empty, screens visited", megabytes(empty.visited.now),
-                    megabytes(empty.visited.peak));
-        std::printf("%-24s %12.1f %12.1f\n", "full, screens visited", megabytes(full.visited.now),
-                    megabytes(full.visited.peak));
+        std::printf("\nOn Xvfb, each screen opened in turn   empty MB    full MB   share MB\n");
+        for (std::size_t i = 0; i < full.screens.size() && i < empty.screens.size(); ++i)
+            std::printf("  %-34s %10.1f %10.1f %10.1f\n", sidebarNames[i], megabytes(empty.screens[i].now),
+                        megabytes(full.screens[i].now), megabytes(full.screens[i].now - empty.screens[i].now));
+        std::printf("  %-34s %10.1f %10.1f\n", "peak", megabytes(empty.visited.peak), megabytes(full.visited.peak));
+        std::printf("\nOffscreen start                %12.1f MB empty, %.1f MB full\n",
+                    megabytes(emptyOffscreen.settled.now), megabytes(fullOffscreen.settled.now));
     }
     const qint64 difference = full.settled.now - empty.settled.now;
     std::printf("\nThe archive's share: %.1f MB resident at start (%.0f bytes per row)\n", megabytes(difference),
                 static_cast<double>(difference) * 1024.0 / static_cast<double>(archive.recordCount()));
-    if (!display.isEmpty())
-        std::printf("The archive's share after every screen: %.1f MB\n",
-                    megabytes(full.visited.now - empty.visited.now));
+    if (!display.isEmpty()) {
+        const qint64 visitedShare = full.visited.now - empty.visited.now;
+        std::printf("The archive's share after every screen: %.1f MB\n", megabytes(visitedShare));
+        std::printf("The offscreen app after every screen (its empty start + that share): %.1f MB\n",
+                    megabytes(emptyOffscreen.settled.now + visitedShare));
+    }
     return 0;
 }
