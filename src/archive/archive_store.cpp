@@ -154,10 +154,13 @@ void ArchiveStore::migrate() {
 }
 
 template <class Record> void ArchiveStore::load(RecordTable<Record>& table) {
-    // The largest id bounds the count and is read from the end of the table, where count(*)
-    // would walk all of it. A row brings about one text not seen before (a stranger's id or name).
-    const qint64 rows = m_db.queryInteger(
-        QStringLiteral("SELECT coalesce(max(local_id), 0) FROM %1").arg(QLatin1String(RecordColumns<Record>::table)));
+    // The span of the ids bounds the count and is read from the two ends of the table, where
+    // count(*) would walk all of it. The span, not the largest id: ids keep growing after a
+    // re-mirror, and a bound from the largest would reserve for every row ever stored. Two rows
+    // bring about one text not seen before (a stranger's id and name are met again and again).
+    const qint64 rows =
+        m_db.queryInteger(QStringLiteral("SELECT coalesce(max(local_id) - min(local_id) + 1, 0) FROM %1")
+                              .arg(QLatin1String(RecordColumns<Record>::table)));
     table.reserve(static_cast<std::size_t>(rows));
     SharedText::reserve(rows / 2);
     SqliteStatement select(
