@@ -1,6 +1,7 @@
 #include "archive/local_participant.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 
 namespace {
@@ -27,10 +28,29 @@ template <class T> bool narrow(OptionalInt<T>& figure, const std::optional<qint6
     return OptionalInt<T>::fits(*value);
 }
 
+SharedText sharedText(const std::optional<QByteArrayView>& utf8) {
+    return utf8 ? SharedText::fromUtf8(*utf8) : SharedText();
+}
+
 } // namespace
 
 LocalParticipant::LocalParticipant(const ParticipantDto& dto) : serverId(dto.id) {
     update(dto);
+}
+
+bool LocalParticipant::setFigures(const Figures& figures) {
+    bool fits = narrow(teamId, figures.teamId);
+    fits &= narrow(championId, figures.championId);
+    fits &= narrow(kills, figures.kills);
+    fits &= narrow(deaths, figures.deaths);
+    fits &= narrow(assists, figures.assists);
+    fits &= narrow(totalCs, figures.totalCs);
+    fits &= narrow(goldEarned, figures.goldEarned);
+    fits &= narrow(visionScore, figures.visionScore);
+    fits &= narrow(damageToChampions, figures.damageToChampions);
+    fits &= narrow(champLevel, figures.champLevel);
+    fits &= narrow(rankLp, figures.rankLp);
+    return fits;
 }
 
 void LocalParticipant::update(const ParticipantDto& dto) {
@@ -47,17 +67,8 @@ void LocalParticipant::update(const ParticipantDto& dto) {
     rankTier = dto.rankTier;
     rankDivision = dto.rankDivision;
 
-    bool fits = narrow(teamId, dto.teamId);
-    fits &= narrow(championId, dto.championId);
-    fits &= narrow(kills, dto.kills);
-    fits &= narrow(deaths, dto.deaths);
-    fits &= narrow(assists, dto.assists);
-    fits &= narrow(totalCs, dto.totalCs);
-    fits &= narrow(goldEarned, dto.goldEarned);
-    fits &= narrow(visionScore, dto.visionScore);
-    fits &= narrow(damageToChampions, dto.damageToChampions);
-    fits &= narrow(champLevel, dto.champLevel);
-    fits &= narrow(rankLp, dto.rankLp);
+    bool fits = setFigures({dto.teamId, dto.championId, dto.kills, dto.deaths, dto.assists, dto.totalCs, dto.goldEarned,
+                            dto.visionScore, dto.damageToChampions, dto.champLevel, dto.rankLp});
     fits &= items.assign(dto.items.value_or(QList<qint64>()));
     if (fits) {
         m_exact.set(nullptr);
@@ -66,6 +77,48 @@ void LocalParticipant::update(const ParticipantDto& dto) {
         exact.id = serverId;
         m_exact.set(&exact);
     }
+}
+
+LocalParticipant LocalParticipant::decode(const JsonReader& in) {
+    // The keys in the order ParticipantDto::decode reads them, so that a record failing both
+    // ways names the same key.
+    LocalParticipant row;
+    row.serverId = in.integer("id");
+    row.matchServerId = in.integer("matchId");
+    row.puuid = SharedText::fromUtf8(in.utf8("puuid"));
+    row.riotIdGameName = sharedText(in.optUtf8("riotIdGameName"));
+    row.riotIdTagLine = sharedText(in.optUtf8("riotIdTagLine"));
+    Figures figures{};
+    figures.teamId = in.integer("teamId");
+    row.win = in.flag("win");
+    figures.championId = in.integer("championId");
+    row.championName = SharedText::fromUtf8(in.utf8("championName"));
+    row.teamPosition = sharedText(in.optUtf8("teamPosition"));
+    figures.champLevel = in.optInteger("champLevel");
+    figures.kills = in.integer("kills");
+    figures.deaths = in.integer("deaths");
+    figures.assists = in.integer("assists");
+    figures.totalCs = in.integer("totalCs");
+    figures.goldEarned = in.integer("goldEarned");
+    figures.visionScore = in.integer("visionScore");
+    figures.damageToChampions = in.integer("damageToChampions");
+    std::array<qint64, ItemSlots::capacity + 1> items{};
+    const qsizetype itemCount = in.optIntegers("items", items).value_or(0);
+    row.teamDamagePct = in.optReal("teamDamagePct");
+    row.killParticipation = in.optReal("killParticipation");
+    row.csPerMin = in.optReal("csPerMin");
+    row.rankTier = sharedText(in.optUtf8("rankTier"));
+    row.rankDivision = sharedText(in.optUtf8("rankDivision"));
+    figures.rankLp = in.optInteger("rankLp");
+
+    const bool fits =
+        row.setFigures(figures) && itemCount <= static_cast<qsizetype>(ItemSlots::capacity) &&
+        row.items.assign(std::span<const qint64>(items.data(), static_cast<std::size_t>(itemCount)));
+    if (!fits)
+        // Rare enough to read the record a second time the plain way, which also keeps what
+        // fits of it exactly as a row read back from disk would.
+        return LocalParticipant(ParticipantDto::decode(in));
+    return row;
 }
 
 ParticipantDto LocalParticipant::toDto() const {

@@ -51,6 +51,10 @@ struct LocalParticipant {
 
     LocalParticipant() = default;
     explicit LocalParticipant(const ParticipantDto& dto);
+    // Reads the backend's participant record straight into a row, with the keys, rules and
+    // failures of ParticipantDto::decode: a sync brings rows by the hundred thousand, and a
+    // record of QStrings for each, only to intern its texts again, cost more than storing them.
+    [[nodiscard]] static LocalParticipant decode(const JsonReader& in);
 
     void update(const ParticipantDto& dto);
     // The record as the backend sent it: the exact copy when a figure did not fit.
@@ -62,5 +66,13 @@ struct LocalParticipant {
     [[nodiscard]] QString displayName() const;
 
 private:
+    // The figures as the backend sent them, before they are narrowed to the row's widths.
+    struct Figures {
+        qint64 teamId, championId, kills, deaths, assists, totalCs, goldEarned, visionScore, damageToChampions;
+        std::optional<qint64> champLevel, rankLp;
+    };
+    // Narrows the figures into the row; false when one did not fit.
+    bool setFigures(const Figures& figures);
+
     ExactParticipant m_exact;
 };

@@ -56,6 +56,24 @@ quint32 lowerCaseHashOfUtf8(QByteArrayView utf8) {
     return finish(hash);
 }
 
+// Most texts a sync page or a start adds were added moments before: champions, positions,
+// tiers, the same players game after game. A small table per thread, of the text last seen at
+// each hash, answers those without the lock and without the shared table's two cache misses
+// (its slot, then the entry the slot names). Texts never leave the pool, so an id it holds
+// stays right.
+struct RecentText {
+    std::size_t hash = 0;
+    quint32 id = 0;
+};
+
+RecentText& recentTexts(std::size_t hash) {
+    static constexpr std::size_t size = 4096;
+    thread_local std::unique_ptr<RecentText[]> table;
+    if (!table)
+        table = std::make_unique<RecentText[]>(size);
+    return table[hash & (size - 1)];
+}
+
 class Pool {
 public:
     static Pool& instance() {
@@ -70,6 +88,15 @@ public:
 
     quint32 intern(QByteArrayView utf8, QStringView text) {
         const std::size_t hash = qHashBits(utf8.data(), static_cast<std::size_t>(utf8.size()));
+        RecentText& recent = recentTexts(hash);
+        if (recent.hash == hash && recent.id != 0 && bytesOf(recent.id) == utf8)
+            return recent.id;
+        const quint32 id = internShared(utf8, text, hash);
+        recent = {hash, id};
+        return id;
+    }
+
+    quint32 internShared(QByteArrayView utf8, QStringView text, std::size_t hash) {
         QMutexLocker lock(&m_lock);
         if ((m_count + 1) * 2 > m_slots.size())
             grow(m_count + 1);

@@ -1,6 +1,7 @@
 #include "archive/sync_engine.h"
 
 #include "archive/archive_store.h"
+#include "archive/mirror_page.h"
 #include "backend/backend_client.h"
 
 #include <QSettings>
@@ -18,15 +19,32 @@ QCoro::Task<int> SyncEngine::pull() {
     if (stored.isValid())
         cursor = stored.toString();
 
+    // The next page is asked for, and decoded off the main thread, while this one is stored: a
+    // first sync of a large archive then takes about the longer of the two per page, not their sum.
+    std::optional<QCoro::Task<MirrorPage>> next = m_client.sync<MirrorPage>(cursor);
     int total = 0;
-    for (int page = 0;; ++page) {
-        const SyncResponse response = co_await m_client.sync(cursor);
+    for (int page = 0; next; ++page) {
+        MirrorPage response = co_await std::move(*next);
+        next.reset();
+        if (response.hasMore && page < requestCap - 1)
+            next = m_client.sync<MirrorPage>(response.nextCursor ? response.nextCursor : cursor);
 
-        upsertMatches(response.matches);
-        upsertParticipants(response.participants);
-        upsertRankSnapshots(response.rankSnapshots);
-        upsertScores(response.performanceScores);
-        m_store.save();
+        std::exception_ptr failure;
+        try {
+            store(response);
+        } catch (...) {
+            failure = std::current_exception();
+        }
+        if (failure) {
+            // Nothing is left running behind a failed pull: the page on its way is let land.
+            if (next) {
+                try {
+                    co_await std::move(*next);
+                } catch (...) {
+                }
+            }
+            std::rethrow_exception(failure);
+        }
         total += static_cast<int>(response.matches.size());
 
         // Only now that the page is on disk may the cursor move past it.
@@ -34,10 +52,16 @@ QCoro::Task<int> SyncEngine::pull() {
             cursor = response.nextCursor;
             m_settings.setValue(QLatin1String(cursorKey), *cursor);
         }
-        if (!response.hasMore || page >= requestCap - 1)
-            break;
     }
     co_return total;
+}
+
+void SyncEngine::store(MirrorPage& page) {
+    upsertMatches(page.matches);
+    upsertParticipants(std::move(page.participants));
+    upsertRankSnapshots(page.rankSnapshots);
+    upsertScores(page.performanceScores);
+    m_store.save();
 }
 
 void SyncEngine::migrateMirrorIfNeeded() {
@@ -94,16 +118,17 @@ void SyncEngine::upsertScores(const QList<PerformanceScoreDto>& scores) {
     upsertByServerId<LocalPerformanceScore>(scores);
 }
 
-void SyncEngine::upsertParticipants(const QList<ParticipantDto>& participants) {
+void SyncEngine::upsertParticipants(QList<LocalParticipant>&& participants) {
     if (participants.isEmpty())
         return;
     RecordTable<LocalParticipant>& table = m_store.participants();
+    // A game sent again brings all its players: its stored rows make way for them.
     std::unordered_set<qint64> games;
-    for (const ParticipantDto& dto : participants)
-        games.insert(dto.matchId);
+    for (const LocalParticipant& row : participants)
+        games.insert(row.matchServerId);
     for (qint64 game : games)
         for (LocalParticipant* stored : table.withMatchServerId(game))
             table.remove(stored);
-    for (const ParticipantDto& dto : participants)
-        table.insert(std::make_unique<LocalParticipant>(dto));
+    for (LocalParticipant& row : participants)
+        table.insert(std::move(row));
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "archive/mirror_page.h"
 #include "backend/archive_records.h"
 
 #include <QCoro/QCoroTask>
@@ -26,8 +27,10 @@ public:
 
 private:
     void migrateMirrorIfNeeded();
+    // Puts a page's records in the store and saves them.
+    void store(MirrorPage& page);
     void upsertMatches(const QList<MatchDto>& matches);
-    void upsertParticipants(const QList<ParticipantDto>& participants);
+    void upsertParticipants(QList<LocalParticipant>&& participants);
     void upsertRankSnapshots(const QList<RankSnapshotDto>& snapshots);
     void upsertScores(const QList<PerformanceScoreDto>& scores);
     template <class Record, class Dto> void upsertByServerId(const QList<Dto>& records);

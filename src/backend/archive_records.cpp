@@ -73,17 +73,6 @@ PerformanceScoreDto PerformanceScoreDto::decode(const JsonReader& in) {
     return s;
 }
 
-SyncResponse SyncResponse::decode(const JsonReader& in) {
-    SyncResponse r;
-    r.matches = in.records<MatchDto>("matches");
-    r.participants = in.records<ParticipantDto>("participants");
-    r.rankSnapshots = in.records<RankSnapshotDto>("rankSnapshots");
-    r.performanceScores = in.records<PerformanceScoreDto>("performanceScores");
-    r.nextCursor = in.optText("nextCursor");
-    r.hasMore = in.flag("hasMore");
-    return r;
-}
-
 IngestLocalResponse IngestLocalResponse::decode(const JsonReader& in) {
     return {in.integer("ingested"), in.integer("skipped"), in.texts("matchIds")};
 }

@@ -55,6 +55,7 @@ struct ParticipantDto {
     std::optional<qint64> rankLp;
 
     static ParticipantDto decode(const JsonReader& in);
+    friend bool operator==(const ParticipantDto&, const ParticipantDto&) = default;
 };
 
 struct RankSnapshotDto {
@@ -84,16 +85,30 @@ struct PerformanceScoreDto {
     static PerformanceScoreDto decode(const JsonReader& in);
 };
 
-struct SyncResponse {
+// One page of the archive pull. The player records, ten per game and nearly all of a page, are
+// read as Participant: the plain record here, or a row type of a reader that stores them (it
+// decodes them with the keys and rules of ParticipantDto::decode).
+template <class Participant> struct ArchivePage {
     QList<MatchDto> matches;
-    QList<ParticipantDto> participants;
+    QList<Participant> participants;
     QList<RankSnapshotDto> rankSnapshots;
     QList<PerformanceScoreDto> performanceScores;
     std::optional<QString> nextCursor;
     bool hasMore = false;
 
-    static SyncResponse decode(const JsonReader& in);
+    static ArchivePage decode(const JsonReader& in) {
+        ArchivePage page;
+        page.matches = in.records<MatchDto>("matches");
+        page.participants = in.records<Participant>("participants");
+        page.rankSnapshots = in.records<RankSnapshotDto>("rankSnapshots");
+        page.performanceScores = in.records<PerformanceScoreDto>("performanceScores");
+        page.nextCursor = in.optText("nextCursor");
+        page.hasMore = in.flag("hasMore");
+        return page;
+    }
 };
+
+using SyncResponse = ArchivePage<ParticipantDto>;
 
 struct IngestLocalResponse {
     qint64 ingested = 0;

@@ -38,15 +38,6 @@ std::optional<QString> utf8Text(const QByteArray& bytes) {
 BackendClient::BackendClient(QNetworkAccessManager& network, QUrl baseUrl)
     : m_network(network), m_baseUrl(std::move(baseUrl)) {}
 
-template <class Record> QCoro::Task<Record> BackendClient::request(Call call) {
-    const QByteArray body = co_await send(std::move(call));
-    try {
-        co_return decodeRecord<Record>(body);
-    } catch (const DecodingFailure& failure) {
-        throw BackendError::decoding(failure.text());
-    }
-}
-
 QCoro::Task<QByteArray> BackendClient::send(Call call) {
     QNetworkRequest request(BackendUrl::build(m_baseUrl, call.path, call.query));
     request.setTransferTimeout(requestTimeoutMs);
@@ -121,11 +112,11 @@ QCoro::Task<RiotAccountsResponse> BackendClient::refreshRiotAccounts() {
     return request<RiotAccountsResponse>(Call{"POST", QStringLiteral("riot-accounts/refresh"), {}, {}, true});
 }
 
-QCoro::Task<SyncResponse> BackendClient::sync(std::optional<QString> cursor) {
+BackendClient::Call BackendClient::syncCall(std::optional<QString> cursor) {
     QueryItems query;
     if (cursor)
         query.append({QStringLiteral("cursor"), *cursor});
-    return request<SyncResponse>(Call{"GET", QStringLiteral("sync"), query, {}, true});
+    return Call{"GET", QStringLiteral("sync"), query, {}, true};
 }
 
 QCoro::Task<IngestLocalResponse> BackendClient::ingestLocal(QJsonArray games) {

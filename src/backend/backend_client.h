@@ -2,6 +2,7 @@
 
 #include "backend/account_records.h"
 #include "backend/archive_records.h"
+#include "backend/backend_error.h"
 #include "backend/backend_url.h"
 #include "backend/social_records.h"
 #include "backend/timeline_records.h"
@@ -36,7 +37,11 @@ public:
     QCoro::Task<RiotAccountsResponse> refreshRiotAccounts();
 
     // Archive.
-    QCoro::Task<SyncResponse> sync(std::optional<QString> cursor);
+    // One page of the archive after cursor, decoded as Page: the plain records, or a page type
+    // of the caller's own that reads the same answer.
+    template <class Page = SyncResponse> QCoro::Task<Page> sync(std::optional<QString> cursor) {
+        return request<Page>(syncCall(std::move(cursor)));
+    }
     QCoro::Task<IngestLocalResponse> ingestLocal(QJsonArray games);
     QCoro::Task<StaticVersionResponse> staticVersion();
 
@@ -61,7 +66,15 @@ private:
         const QObject* requester = nullptr;
     };
 
-    template <class Record> QCoro::Task<Record> request(Call call);
+    template <class Record> QCoro::Task<Record> request(Call call) {
+        const QByteArray body = co_await send(std::move(call));
+        try {
+            co_return decodeRecord<Record>(body);
+        } catch (const DecodingFailure& failure) {
+            throw BackendError::decoding(failure.text());
+        }
+    }
+    static Call syncCall(std::optional<QString> cursor);
     // Sends the call and yields the body of a 2xx answer; throws for everything else.
     QCoro::Task<QByteArray> send(Call call);
 

@@ -611,21 +611,26 @@ bool JsonReader::flag(const char* key) const {
     return node.flag;
 }
 
-QList<qint64> JsonReader::integerList(quint32 node, const char* key) const {
+qsizetype JsonReader::readIntegers(quint32 node, const char* key, std::span<qint64> out) const {
     const JsonTree::Node& list = m_tree->nodes[node];
     if (list.kind != Kind::List)
         mismatch(childPath(key), "a list", node);
-    QList<qint64> result;
-    result.reserve(list.size);
     for (quint32 i = 0; i < list.size; ++i) {
         const quint32 element = m_tree->elements[list.first + i];
         const JsonTree::Node& value = m_tree->nodes[element];
-        if (value.kind == Kind::Integer)
-            result.append(value.integer);
-        else
-            result.append(
-                toInteger(element, childPath(key) + QLatin1Char('[') + QString::number(i) + QLatin1Char(']')));
+        const qint64 integer =
+            value.kind == Kind::Integer
+                ? value.integer
+                : toInteger(element, childPath(key) + QLatin1Char('[') + QString::number(i) + QLatin1Char(']'));
+        if (i < out.size())
+            out[i] = integer;
     }
+    return list.size;
+}
+
+QList<qint64> JsonReader::integerList(quint32 node, const char* key) const {
+    QList<qint64> result(m_tree->nodes[node].kind == Kind::List ? m_tree->nodes[node].size : 0);
+    readIntegers(node, key, result);
     return result;
 }
 
@@ -714,4 +719,29 @@ std::optional<QList<qint64>> JsonReader::optIntegers(const char* key) const {
     if (!value || m_tree->nodes[*value].kind == Kind::Null)
         return std::nullopt;
     return integerList(*value, key);
+}
+
+QByteArrayView JsonReader::stringBytes(quint32 node, const char* key) const {
+    const JsonTree::Node& value = m_tree->nodes[node];
+    if (value.kind != Kind::String)
+        mismatch(childPath(key), "text", node);
+    return {value.text, static_cast<qsizetype>(value.size)};
+}
+
+QByteArrayView JsonReader::utf8(const char* key) const {
+    return stringBytes(required(key, "text"), key);
+}
+
+std::optional<QByteArrayView> JsonReader::optUtf8(const char* key) const {
+    const quint32* value = find(key);
+    if (!value || m_tree->nodes[*value].kind == Kind::Null)
+        return std::nullopt;
+    return stringBytes(*value, key);
+}
+
+std::optional<qsizetype> JsonReader::optIntegers(const char* key, std::span<qint64> out) const {
+    const quint32* value = find(key);
+    if (!value || m_tree->nodes[*value].kind == Kind::Null)
+        return std::nullopt;
+    return readIntegers(*value, key, out);
 }

@@ -8,6 +8,7 @@
 #include <exception>
 #include <memory>
 #include <optional>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -58,6 +59,14 @@ public:
     [[nodiscard]] std::optional<bool> optFlag(const char* key) const;
     [[nodiscard]] std::optional<QList<qint64>> optIntegers(const char* key) const;
 
+    // Texts as the answer's UTF-8, for records that keep their texts in UTF-8 and would only
+    // convert a QString back. The bytes live as long as the reader of the whole answer.
+    [[nodiscard]] QByteArrayView utf8(const char* key) const;
+    [[nodiscard]] std::optional<QByteArrayView> optUtf8(const char* key) const;
+    // An optional list of integers read into out without allocating: how many the list holds,
+    // which may be more than out has room for (those past its end are checked, not stored).
+    [[nodiscard]] std::optional<qsizetype> optIntegers(const char* key, std::span<qint64> out) const;
+
     template <class T> [[nodiscard]] T record(const char* key) const { return T::decode(child(key)); }
     // A nested record that may be missing or null.
     template <class T> [[nodiscard]] std::optional<T> optRecord(const char* key) const {
@@ -89,6 +98,9 @@ private:
     [[nodiscard]] JsonReader child(const char* key) const;
     [[nodiscard]] JsonReader element(const char* key, quint32 list, qsizetype index) const;
     [[nodiscard]] QList<qint64> integerList(quint32 node, const char* key) const;
+    // Reads list's integers into out as far as it has room; returns the list's size.
+    qsizetype readIntegers(quint32 node, const char* key, std::span<qint64> out) const;
+    [[nodiscard]] QByteArrayView stringBytes(quint32 node, const char* key) const;
     [[nodiscard]] qint64 toInteger(quint32 node, const QString& path) const;
     [[nodiscard]] QString path() const;
     [[nodiscard]] QString childPath(const char* key) const;

@@ -55,6 +55,67 @@ private Q_SLOTS:
         QCOMPARE(LocalParticipant(dtoOf<ParticipantDto>(json)).displayName(), shown);
     }
 
+    // A sync reads player records straight into rows; the row and any failure must be exactly
+    // what the plain record would have given.
+    void decodedStraightIntoRows_data() {
+        QTest::addColumn<QJsonObject>("json");
+        const QJsonObject full = participant(1, 2, "p-full");
+        auto with = [&full](std::initializer_list<std::pair<QString, QJsonValue>> changes) {
+            QJsonObject json = full;
+            for (const auto& [key, value] : changes)
+                if (value.isUndefined())
+                    json.remove(key);
+                else
+                    json[key] = value;
+            return json;
+        };
+        const QJsonValue gone = QJsonValue(QJsonValue::Undefined);
+        const QJsonValue null = QJsonValue(QJsonValue::Null);
+        QTest::newRow("full") << full;
+        QTest::newRow("optionals absent") << with({{"riot_id_game_name", gone}, {"riot_id_tag_line", gone},
+                                                   {"team_position", gone}, {"rank_tier", gone}, {"items", gone},
+                                                   {"champ_level", gone}, {"cs_per_min", gone}});
+        QTest::newRow("optionals null") << with({{"riot_id_game_name", null}, {"rank_division", null},
+                                                 {"items", null}, {"rank_lp", null}, {"team_damage_pct", null}});
+        QTest::newRow("empty texts") << with({{"riot_id_game_name", ""}, {"puuid", ""}, {"items", QJsonArray{}}});
+        QTest::newRow("not ASCII") << with({{"riot_id_game_name", QStringLiteral("Ünïcødé 名前 🐉")}});
+        QTest::newRow("camelCase keys") << with({{"riot_id_game_name", gone}, {"riotIdGameName", "Camel"}});
+        QTest::newRow("eight items") << with({{"items", QJsonArray{1, 2, 3, 4, 5, 6, 7, 8}}});
+        QTest::newRow("item beyond 24 bits") << with({{"items", QJsonArray{3089, 1 << 24}}});
+        QTest::newRow("kills beyond 16 bits") << with({{"kills", 70000}});
+        QTest::newRow("champion id beyond 32 bits") << with({{"champion_id", 5'000'000'000.0}});
+        QTest::newRow("puuid missing") << with({{"puuid", gone}});
+        QTest::newRow("puuid a number") << with({{"puuid", 7}});
+        QTest::newRow("kills not whole") << with({{"kills", 3.5}});
+        QTest::newRow("item a text") << with({{"items", QJsonArray{3089, "boots"}}});
+        QTest::newRow("position a number") << with({{"team_position", 3}});
+        QTest::newRow("level a text") << with({{"champ_level", "16"}});
+    }
+    void decodedStraightIntoRows() {
+        QFETCH(QJsonObject, json);
+        std::optional<LocalParticipant> plain, straight;
+        QString plainFailure, straightFailure;
+        try {
+            plain.emplace(dtoOf<ParticipantDto>(json));
+        } catch (const DecodingFailure& failure) {
+            plainFailure = failure.text();
+        }
+        try {
+            straight = LocalParticipant::decode(JsonReader(json));
+        } catch (const DecodingFailure& failure) {
+            straightFailure = failure.text();
+        }
+        QCOMPARE(straightFailure, plainFailure);
+        QCOMPARE(straight.has_value(), plain.has_value());
+        if (!plain)
+            return;
+        QCOMPARE(straight->exact() != nullptr, plain->exact() != nullptr);
+        QVERIFY(straight->toDto() == plain->toDto());
+        QCOMPARE(straight->items, plain->items);
+        QCOMPARE(straight->kills, plain->kills);
+        QCOMPARE(straight->riotIdGameName.lowerCaseHash(), plain->riotIdGameName.lowerCaseHash());
+    }
+
     void rankedFlagKeptWhenAbsent() {
         QJsonObject json = match(1, 420);
         json.remove("is_ranked");

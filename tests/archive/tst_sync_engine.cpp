@@ -153,12 +153,21 @@ private Q_SLOTS:
         QCOMPARE(m_store->matches().count(), 3);
     }
 
+    void storeFailureDoesNotAdvanceTheCursor_data() {
+        QTest::addColumn<bool>("hasMore");
+        QTest::newRow("last page") << false;
+        // The next page is already on its way when the store fails; it lands and is dropped.
+        QTest::newRow("next page asked for") << true;
+    }
     void storeFailureDoesNotAdvanceTheCursor() {
+        QFETCH(bool, hasMore);
         markMirrorCurrent();
-        servePages({{"", FakeResponse::json(page({match(1)}, {}, {}, {}, QStringLiteral("c1"), false))}});
+        servePages({{"", FakeResponse::json(page({match(1)}, {}, {}, {}, QStringLiteral("c1"), hasMore))},
+                    {"c1", FakeResponse::json(page({match(2)}))}});
         sqlite3_exec(m_store->database().handle(), "PRAGMA query_only = 1", nullptr, nullptr, nullptr);
         QVERIFY_THROWS_EXCEPTION(StoreError, pull());
         QVERIFY(!(*m_settings)->contains("quill.syncCursor"));
+        QCOMPARE(sentQueries().size(), hasMore ? 2 : 1);
     }
 
     void oldMirrorIsWipedAndDownloadedAgain_data() {
