@@ -15,7 +15,9 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QNetworkAccessManager>
+#include <QScopeGuard>
 #include <QSettings>
+#include <QThread>
 #include <QTemporaryDir>
 #include <QUrlQuery>
 #include <algorithm>
@@ -212,9 +214,12 @@ int main(int argc, char** argv) {
         return 0;
     }
 
-    // The backend shares the thread, as the tests' fake backend does: handing each page between
-    // threads on this shared two-core machine costs more than serving it.
-    FakeBackend backend;
+    // The backend serves from a thread of its own, as a real one serves from a process of its
+    // own: the app fetches the next page while it stores one, which a backend on the app's own
+    // thread could not answer until the store was done.
+    QThread serving;
+    auto* backendOnItsThread = new FakeBackend;
+    FakeBackend& backend = *backendOnItsThread;
     backend.on("GET", QStringLiteral("/api/sync"), [&pages](const RecordedRequest& request) {
         const QString cursor =
             QUrlQuery(QString::fromUtf8(request.rawQuery)).queryItemValue(QStringLiteral("cursor"), QUrl::FullyDecoded);
@@ -222,6 +227,13 @@ int main(int argc, char** argv) {
         if (found == pages.constEnd())
             return FakeResponse::text(404, "unknown cursor");
         return FakeResponse{200, *found, {{"Content-Type", "application/json"}}};
+    });
+    backend.moveToThread(&serving);
+    QObject::connect(&serving, &QThread::finished, backendOnItsThread, &QObject::deleteLater);
+    serving.start();
+    const auto stopServing = qScopeGuard([&serving] {
+        serving.quit();
+        serving.wait();
     });
     QNetworkAccessManager network;
     BackendClient client(network, backend.baseUrl());

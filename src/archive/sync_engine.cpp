@@ -2,6 +2,7 @@
 
 #include "archive/archive_store.h"
 #include "archive/mirror_page.h"
+#include "archive/mirror_page_fetcher.h"
 #include "backend/backend_client.h"
 
 #include <QSettings>
@@ -19,32 +20,19 @@ QCoro::Task<int> SyncEngine::pull() {
     if (stored.isValid())
         cursor = stored.toString();
 
-    // The next page is asked for, and decoded off the main thread, while this one is stored: a
-    // first sync of a large archive then takes about the longer of the two per page, not their sum.
-    std::optional<QCoro::Task<MirrorPage>> next = m_client.sync<MirrorPage>(cursor);
+    // The next page travels and is decoded on the fetcher's thread while this one is stored.
+    MirrorPageFetcher fetcher(m_client);
+    fetcher.request(cursor);
+    bool asked = true;
     int total = 0;
-    for (int page = 0; next; ++page) {
-        MirrorPage response = co_await std::move(*next);
-        next.reset();
-        if (response.hasMore && page < requestCap - 1)
-            next = m_client.sync<MirrorPage>(response.nextCursor ? response.nextCursor : cursor);
+    for (int page = 0; asked; ++page) {
+        MirrorPage response = co_await fetcher.take();
+        asked = response.hasMore && page < requestCap - 1;
+        if (asked)
+            fetcher.request(response.nextCursor ? response.nextCursor : cursor);
 
-        std::exception_ptr failure;
-        try {
-            store(response);
-        } catch (...) {
-            failure = std::current_exception();
-        }
-        if (failure) {
-            // Nothing is left running behind a failed pull: the page on its way is let land.
-            if (next) {
-                try {
-                    co_await std::move(*next);
-                } catch (...) {
-                }
-            }
-            std::rethrow_exception(failure);
-        }
+        // A failure here ends the pull; the fetcher aborts the page on its way as it goes.
+        store(response);
         total += static_cast<int>(response.matches.size());
 
         // Only now that the page is on disk may the cursor move past it.

@@ -112,11 +112,11 @@ QCoro::Task<RiotAccountsResponse> BackendClient::refreshRiotAccounts() {
     return request<RiotAccountsResponse>(Call{"POST", QStringLiteral("riot-accounts/refresh"), {}, {}, true});
 }
 
-BackendClient::Call BackendClient::syncCall(std::optional<QString> cursor) {
+BackendClient::Call BackendClient::syncCall(std::optional<QString> cursor, const QObject* requester) {
     QueryItems query;
     if (cursor)
         query.append({QStringLiteral("cursor"), *cursor});
-    return Call{"GET", QStringLiteral("sync"), query, {}, true};
+    return Call{"GET", QStringLiteral("sync"), query, {}, true, requester};
 }
 
 QCoro::Task<IngestLocalResponse> BackendClient::ingestLocal(QJsonArray games) {

@@ -38,9 +38,10 @@ public:
 
     // Archive.
     // One page of the archive after cursor, decoded as Page: the plain records, or a page type
-    // of the caller's own that reads the same answer.
-    template <class Page = SyncResponse> QCoro::Task<Page> sync(std::optional<QString> cursor) {
-        return request<Page>(syncCall(std::move(cursor)));
+    // of the caller's own that reads the same answer. Aborted once requester is destroyed.
+    template <class Page = SyncResponse>
+    QCoro::Task<Page> sync(std::optional<QString> cursor, const QObject* requester = nullptr) {
+        return request<Page>(syncCall(std::move(cursor), requester));
     }
     QCoro::Task<IngestLocalResponse> ingestLocal(QJsonArray games);
     QCoro::Task<StaticVersionResponse> staticVersion();
@@ -74,7 +75,7 @@ private:
             throw BackendError::decoding(failure.text());
         }
     }
-    static Call syncCall(std::optional<QString> cursor);
+    static Call syncCall(std::optional<QString> cursor, const QObject* requester);
     // Sends the call and yields the body of a 2xx answer; throws for everything else.
     QCoro::Task<QByteArray> send(Call call);
 
