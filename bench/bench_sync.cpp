@@ -4,6 +4,7 @@
 //   bench_sync [--games N] [--page-size N] [--seed N] [--rounds N] [--sync-only | --decode-only]
 
 #include "archive/archive_store.h"
+#include "archive/mirror_page.h"
 #include "archive/record_columns.h"
 #include "archive/sync_engine.h"
 #include "backend/backend_client.h"
@@ -204,7 +205,7 @@ int main(int argc, char** argv) {
         timer.restart();
         decoded = 0;
         for (const QByteArray& body : std::as_const(pages))
-            decoded += decodeRecord<SyncResponse>(body).participants.size();
+            decoded += decodeRecord<MirrorPage>(body).participants.size();
         const double seconds = static_cast<double>(timer.nsecsElapsed()) / 1e9;
         decodeSeconds = round == 0 ? seconds : std::min(decodeSeconds, seconds);
     }
@@ -291,11 +292,11 @@ int main(int argc, char** argv) {
     std::printf("\nBest of %d rounds:\n", rounds);
     std::printf("Sync (SyncEngine::pull, loopback HTTP, %d requests): %s rows in %.2f s = %s rows/s\n",
                 archive.pageCount() + 1, qPrintable(thousands(rows)), syncSeconds, qPrintable(thousands(syncRate)));
-    std::printf("  of which JSON decoding takes about %.2f s (%lld participants decoded alone)\n", decodeSeconds,
+    std::printf("  JSON decoding alone, done on the fetch thread meanwhile: %.2f s (%lld participants)\n", decodeSeconds,
                 static_cast<long long>(decoded));
     std::printf("Raw SQLite prepared inserts, one transaction: %s rows in %.2f s = %s rows/s\n\n",
                 qPrintable(thousands(rows)), rawSeconds, qPrintable(thousands(rawRate)));
-    std::printf("Sync / raw insert rate: %.2f   (target >= 0.33: %s)\n", ratio, ratio >= 1.0 / 3.0 ? "met" : "MISSED");
+    std::printf("Sync / raw insert rate: %.2f   (target >= 0.5: %s)\n", ratio, ratio >= 0.5 ? "met" : "MISSED");
     std::printf("Whole mirror:           %.2f s (target < 10 s: %s)\n", syncSeconds,
                 syncSeconds < 10.0 ? "met" : "MISSED");
     return 0;
