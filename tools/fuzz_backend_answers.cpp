@@ -7,6 +7,7 @@
 //   ninja -C build-fuzz fuzz_backend_answers
 //   build-fuzz/tools/fuzz_backend_answers -max_total_time=300 -max_len=65536 CORPUS_DIR
 
+#include "archive/mirror_page.h"
 #include "backend/account_records.h"
 #include "backend/archive_records.h"
 #include "backend/json_reader.h"
@@ -35,6 +36,7 @@ template <class T> void tryDecode(const QByteArray& body) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const QByteArray body = QByteArray::fromRawData(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
     tryDecode<SyncResponse>(body);
+    tryDecode<MirrorPage>(body);
     tryDecode<AuthResponse>(body);
     tryDecode<RiotAccountsResponse>(body);
     tryDecode<RiotAccountResponse>(body);
