@@ -18,8 +18,8 @@
 #include <QNetworkAccessManager>
 #include <QScopeGuard>
 #include <QSettings>
-#include <QThread>
 #include <QTemporaryDir>
+#include <QThread>
 #include <QUrlQuery>
 #include <algorithm>
 #include <cstdio>
@@ -292,8 +292,8 @@ int main(int argc, char** argv) {
     std::printf("\nBest of %d rounds:\n", rounds);
     std::printf("Sync (SyncEngine::pull, loopback HTTP, %d requests): %s rows in %.2f s = %s rows/s\n",
                 archive.pageCount() + 1, qPrintable(thousands(rows)), syncSeconds, qPrintable(thousands(syncRate)));
-    std::printf("  JSON decoding alone, done on the fetch thread meanwhile: %.2f s (%lld participants)\n", decodeSeconds,
-                static_cast<long long>(decoded));
+    std::printf("  JSON decoding alone, done on the fetch thread meanwhile: %.2f s (%lld participants)\n",
+                decodeSeconds, static_cast<long long>(decoded));
     std::printf("Raw SQLite prepared inserts, one transaction: %s rows in %.2f s = %s rows/s\n\n",
                 qPrintable(thousands(rows)), rawSeconds, qPrintable(thousands(rawRate)));
     std::printf("Sync / raw insert rate: %.2f   (target >= 0.5: %s)\n", ratio, ratio >= 0.5 ? "met" : "MISSED");

@@ -111,9 +111,8 @@ LocalParticipant LocalParticipant::decode(const JsonReader& in) {
     row.rankDivision = sharedText(in.optUtf8("rankDivision"));
     figures.rankLp = in.optInteger("rankLp");
 
-    const bool fits =
-        row.setFigures(figures) && itemCount <= static_cast<qsizetype>(ItemSlots::capacity) &&
-        row.items.assign(std::span<const qint64>(items.data(), static_cast<std::size_t>(itemCount)));
+    const bool fits = row.setFigures(figures) && itemCount <= static_cast<qsizetype>(ItemSlots::capacity) &&
+                      row.items.assign(std::span<const qint64>(items.data(), static_cast<std::size_t>(itemCount)));
     if (!fits)
         // Rare enough to read the record a second time the plain way, which also keeps what
         // fits of it exactly as a row read back from disk would.

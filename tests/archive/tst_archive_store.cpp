@@ -72,11 +72,18 @@ private Q_SLOTS:
         const QJsonValue gone = QJsonValue(QJsonValue::Undefined);
         const QJsonValue null = QJsonValue(QJsonValue::Null);
         QTest::newRow("full") << full;
-        QTest::newRow("optionals absent") << with({{"riot_id_game_name", gone}, {"riot_id_tag_line", gone},
-                                                   {"team_position", gone}, {"rank_tier", gone}, {"items", gone},
-                                                   {"champ_level", gone}, {"cs_per_min", gone}});
-        QTest::newRow("optionals null") << with({{"riot_id_game_name", null}, {"rank_division", null},
-                                                 {"items", null}, {"rank_lp", null}, {"team_damage_pct", null}});
+        QTest::newRow("optionals absent") << with({{"riot_id_game_name", gone},
+                                                   {"riot_id_tag_line", gone},
+                                                   {"team_position", gone},
+                                                   {"rank_tier", gone},
+                                                   {"items", gone},
+                                                   {"champ_level", gone},
+                                                   {"cs_per_min", gone}});
+        QTest::newRow("optionals null") << with({{"riot_id_game_name", null},
+                                                 {"rank_division", null},
+                                                 {"items", null},
+                                                 {"rank_lp", null},
+                                                 {"team_damage_pct", null}});
         QTest::newRow("empty texts") << with({{"riot_id_game_name", ""}, {"puuid", ""}, {"items", QJsonArray{}}});
         QTest::newRow("not ASCII") << with({{"riot_id_game_name", QStringLiteral("Ünïcødé 名前 🐉")}});
         QTest::newRow("camelCase keys") << with({{"riot_id_game_name", gone}, {"riotIdGameName", "Camel"}});
