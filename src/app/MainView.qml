@@ -70,6 +70,7 @@ Item {
                     anchors.fill: parent
                     active: root.sectionView !== null
                     sourceComponent: root.sectionView
+                    onLoaded: HeapRelief.screenChanged()
                 }
 
                 // The sections still to come show their symbol and title.
