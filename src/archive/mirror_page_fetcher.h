@@ -31,6 +31,7 @@ public:
     // it threw (a BackendError).
     QCoro::Task<MirrorPage> take();
 
+private:
     // What the fetch thread hands over: the page or its failure.
     struct Outcome {
         std::optional<MirrorPage> page;
@@ -38,7 +39,6 @@ public:
     };
     class Worker;
 
-private:
     QThread m_thread;
     Worker* m_worker = nullptr; // lives in m_thread, deleted there as it ends
     std::shared_ptr<Outcome> m_outcome;

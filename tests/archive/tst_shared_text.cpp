@@ -1,6 +1,9 @@
 #include "archive/shared_text.h"
 
 #include <QTest>
+#include <QThread>
+#include <memory>
+#include <vector>
 
 // Texts held once per process: the same text built apart is the same shared text, what goes in
 // comes out unchanged, and absent stays apart from empty.
@@ -43,6 +46,27 @@ private Q_SLOTS:
         QCOMPARE(SharedText::distinctCount(), before);
         const SharedText stored(QStringLiteral("stored 8f2c"));
         QCOMPARE(SharedText::existing(QStringLiteral("stored 8f2c")), stored);
+    }
+
+    // A sync interns on its fetch thread while the main thread interns too, each through a table
+    // of its own recent texts: the same text must still be the same shared text on both, and no
+    // recent entry may answer for another text of the same slot.
+    void sameTextOnEveryThread() {
+        constexpr int count = 20'000; // several times the recent table, so slots are reused
+        auto textOf = [](int i) { return QStringLiteral("thread text %1").arg(i % 5'000 * 7 + i / 5'000); };
+        std::vector<SharedText> onMain(count), onOther(count);
+        std::unique_ptr<QThread> other(QThread::create([&] {
+            for (int i = count - 1; i >= 0; --i)
+                onOther[i] = SharedText::fromUtf8(textOf(i).toUtf8());
+        }));
+        other->start();
+        for (int i = 0; i < count; ++i)
+            onMain[i] = SharedText(textOf(i));
+        QVERIFY(other->wait(30'000));
+        for (int i = 0; i < count; ++i) {
+            QCOMPARE(onMain[i], onOther[i]);
+            QCOMPARE(onMain[i].toString(), textOf(i));
+        }
     }
 
     // Case-insensitive look-ups rule names out by this hash: it must agree for every text whose
