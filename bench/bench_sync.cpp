@@ -80,6 +80,7 @@ template <class T> Value valueOf(const std::optional<T>& v) {
 }
 
 struct RawTable {
+    QByteArray columns;
     QByteArray insertSql;
     std::vector<std::vector<Value>> rows;
 };
@@ -93,6 +94,7 @@ template <class Record> RawTable rawTable(const RecordTable<Record>& table) {
         columns += QByteArray(", ") + name;
         marks += ", ?";
     });
+    raw.columns = columns;
     raw.insertSql =
         QByteArray("INSERT INTO ") + RecordColumns<Record>::table + " (" + columns + ") VALUES (" + marks + ")";
     for (const Record* record : table.all()) {
@@ -271,10 +273,13 @@ int main(int argc, char** argv) {
         if (syncOnly)
             break;
 
-        // The same rows, straight into a fresh file of the same shape and settings.
+        // The same rows, straight into a fresh file of the same settings, a column per field (the
+        // store packs a player row's fields into one).
         const std::vector<RawTable> tables{rawTable(store.matches()), rawTable(store.participants()),
                                            rawTable(store.rankSnapshots()), rawTable(store.performanceScores())};
         ArchiveStore rawStore(dir.filePath(QStringLiteral("raw.sqlite")));
+        rawStore.database().execute(QStringLiteral("DROP TABLE participants; CREATE TABLE participants (%1)")
+                                        .arg(QString::fromLatin1(tables[1].columns)));
         rawTimes.push_back(insertRaw(rawStore.database().handle(), tables));
         std::printf("  round %d: sync %.2f s (processor %.2f s), raw inserts %.2f s\n", round + 1, syncTimes.back(),
                     syncCpu.back(), rawTimes.back());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "archive/archive_texts.h"
 #include "archive/local_match.h"
 #include "archive/local_participant.h"
 #include "archive/local_performance_score.h"
@@ -19,7 +20,7 @@ class ArchiveStore : public QObject {
 
 public:
     // The schema this build reads and writes; older files are migrated step by step.
-    static constexpr int schemaVersion = 1;
+    static constexpr int schemaVersion = 2;
     // Why the archive cannot be opened while another running copy of the app holds it.
     static constexpr const char* inUseByAnotherCopy = "The archive is open in another copy of Quill Fern.";
 
@@ -53,11 +54,16 @@ Q_SIGNALS:
 
 private:
     void migrate();
+    // Reads the whole archive into memory, the file open at path.
+    void load(const QString& path);
+    void rollBack();
+    // Schema 2's step: the player rows of schema 1 into packed lines.
+    void packParticipants();
     void releaseLoadingMemory();
-    template <class Record> void load(RecordTable<Record>& table);
     template <class Record> void write(RecordTable<Record>& table);
 
     SqliteDatabase m_db;
+    ArchiveTexts m_texts;
     RecordTable<LocalMatch> m_matches;
     RecordTable<LocalParticipant> m_participants;
     RecordTable<LocalRankSnapshot> m_rankSnapshots;

@@ -10,6 +10,8 @@ class PlayerName : public SharedText {
 public:
     PlayerName() = default;
     PlayerName(SharedText text) : SharedText(text), m_lowerCaseHash(text.lowerCaseHash()) {}
+    // For a text whose hash is known already.
+    PlayerName(SharedText text, quint32 lowerCaseHash) : SharedText(text), m_lowerCaseHash(lowerCaseHash) {}
     PlayerName(const QString& text) : PlayerName(SharedText(text)) {}
     PlayerName(const std::optional<QString>& text) : PlayerName(SharedText(text)) {}
 

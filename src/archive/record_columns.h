@@ -27,11 +27,16 @@ template <> struct RecordColumns<LocalMatch> {
     }
 };
 
-// The same columns for a row as it is held (compact) and as the backend sent it (exact), so that
-// a row whose figures do not fit the compact form is written and read back whole.
+// The same fields for a row as it is held (compact) and as the backend sent it (exact), so that
+// a row whose figures do not fit the compact form is written and read back whole. On disk only
+// the keys are columns of their own; the rest lie packed in one (ParticipantLine).
 template <> struct RecordColumns<LocalParticipant> {
     static constexpr const char* table = "participants";
     template <class P, class Visit> static void visit(P& p, Visit&& v) {
+        visitKeys(p, v);
+        visitLine(p, v);
+    }
+    template <class P, class Visit> static void visitKeys(P& p, Visit&& v) {
         if constexpr (std::is_same_v<std::remove_const_t<P>, ParticipantDto>) {
             v("server_id", p.id);
             v("match_server_id", p.matchId);
@@ -39,6 +44,10 @@ template <> struct RecordColumns<LocalParticipant> {
             v("server_id", p.serverId);
             v("match_server_id", p.matchServerId);
         }
+    }
+    // A row's line is read in this order: a field added later goes at the end, with a step of
+    // the archive's schema that rewrites every line.
+    template <class P, class Visit> static void visitLine(P& p, Visit&& v) {
         v("puuid", p.puuid);
         v("riot_id_game_name", p.riotIdGameName);
         v("riot_id_tag_line", p.riotIdTagLine);

@@ -20,6 +20,9 @@
 // that are only ever looked up by game, and only once a sync or a game's detail needs them.
 template <class Record> class RecordTable {
 public:
+    // Records lie in blocks of this many.
+    static constexpr std::size_t blockSize = 1024;
+
     RecordTable() = default;
     RecordTable(const RecordTable&) = delete;
     RecordTable& operator=(const RecordTable&) = delete;
@@ -53,6 +56,35 @@ public:
         return placed;
     }
     Record* adopt(std::unique_ptr<Record> record) { return adopt(std::move(*record)); }
+    // Takes over every record of part, a table that only adopted records read back from disk
+    // (on another thread, say) and whose identities follow this table's. The records keep
+    // their addresses: part's blocks become this table's.
+    void adoptAll(RecordTable&& part) {
+        Q_ASSERT(part.m_toWrite.empty() && part.m_toDelete.empty() && part.m_deadRows == 0 && !part.m_wipe);
+        if (part.m_rows.empty())
+            return;
+        Q_ASSERT(part.m_rows.front().record->localId > m_lastLocalId);
+        Q_ASSERT(m_savedRows == m_rows.size() && m_deadRows == 0);
+        // The rest of this table's last block is left to later inserts.
+        if (!m_blocks.empty())
+            for (std::size_t i = m_usedInLastBlock; i < blockSize; ++i)
+                m_free.push_back(&m_blocks.back()[i]);
+        m_blocks.insert(m_blocks.end(), std::make_move_iterator(part.m_blocks.begin()),
+                        std::make_move_iterator(part.m_blocks.end()));
+        m_usedInLastBlock = part.m_usedInLastBlock;
+        m_free.insert(m_free.end(), part.m_free.begin(), part.m_free.end());
+        m_rows.insert(m_rows.end(), part.m_rows.begin(), part.m_rows.end());
+        m_liveCount += part.m_liveCount;
+        m_lastLocalId = part.m_lastLocalId;
+        m_savedRows = m_rows.size();
+        m_byServerBuilt = false;
+        m_byMatchBuilt = false;
+        part.m_blocks.clear();
+        part.m_usedInLastBlock = 0;
+        part.m_free.clear();
+        part.m_rows.clear();
+        part.m_liveCount = 0;
+    }
 
     // Call after changing a record's fields so that the next save writes it.
     void markChanged(Record* record) {
@@ -171,7 +203,6 @@ public:
 
 private:
     static constexpr std::size_t npos = std::size_t(-1);
-    static constexpr std::size_t blockSize = 1024;
 
     struct Row {
         Record* record;

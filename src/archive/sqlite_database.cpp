@@ -11,9 +11,9 @@
 #include <span>
 #include <sqlite3.h>
 
-SqliteDatabase::SqliteDatabase(const QString& path) {
-    const int code = sqlite3_open_v2(path.toUtf8().constData(), &m_db,
-                                     SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
+SqliteDatabase::SqliteDatabase(const QString& path, Access access) {
+    const int mode = access == Access::ReadOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+    const int code = sqlite3_open_v2(path.toUtf8().constData(), &m_db, mode | SQLITE_OPEN_NOMUTEX, nullptr);
     if (code != SQLITE_OK) {
         const QString message =
             m_db ? QString::fromUtf8(sqlite3_errmsg(m_db)) : QString::fromUtf8(sqlite3_errstr(code));
@@ -133,6 +133,12 @@ void SqliteStatement::bindNull(int index) {
     sqlite3_bind_null(m_statement, index);
 }
 
+void SqliteStatement::bindBlob(int index, QByteArrayView bytes) {
+    // A zero-length blob, not NULL, for no bytes.
+    sqlite3_bind_blob(m_statement, index, bytes.isEmpty() ? "" : bytes.data(), static_cast<int>(bytes.size()),
+                      SQLITE_STATIC);
+}
+
 bool SqliteStatement::step() {
     const int code = sqlite3_step(m_statement);
     if (code == SQLITE_ROW)
@@ -206,6 +212,12 @@ void SqliteStatement::read(int column, ItemSlots& out) const {
 QByteArrayView SqliteStatement::text(int column) const {
     const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(m_statement, column));
     return bytes ? QByteArrayView(bytes, sqlite3_column_bytes(m_statement, column)) : QByteArrayView();
+}
+
+QByteArrayView SqliteStatement::blob(int column) const {
+    const void* bytes = sqlite3_column_blob(m_statement, column);
+    return bytes ? QByteArrayView(static_cast<const char*>(bytes), sqlite3_column_bytes(m_statement, column))
+                 : QByteArrayView();
 }
 
 void SqliteStatement::read(int column, SharedText& out) const {

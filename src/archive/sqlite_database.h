@@ -58,6 +58,8 @@ public:
             bindNull(index);
     }
     void bindNull(int index);
+    // Bytes that must stay as they are until the statement is stepped.
+    void bindBlob(int index, QByteArrayView bytes);
 
     // True while a row is available; false when done. Throws StoreError on failure.
     bool step();
@@ -66,6 +68,8 @@ public:
     [[nodiscard]] bool isNull(int column) const;
     // A text column's UTF-8 bytes, valid until the next step; a null view for NULL.
     [[nodiscard]] QByteArrayView text(int column) const;
+    // A blob column's bytes, valid until the next step; empty for NULL.
+    [[nodiscard]] QByteArrayView blob(int column) const;
     void read(int column, qint64& out) const;
     void read(int column, bool& out) const;
     void read(int column, double& out) const;
@@ -133,7 +137,9 @@ private:
 // An open SQLite database file. Every failure throws StoreError with SQLite's own text.
 class SqliteDatabase {
 public:
-    explicit SqliteDatabase(const QString& path);
+    enum class Access { ReadWrite, ReadOnly };
+    // ReadWrite creates the file when absent; ReadOnly needs it to exist.
+    explicit SqliteDatabase(const QString& path, Access access = Access::ReadWrite);
     ~SqliteDatabase();
     SqliteDatabase(const SqliteDatabase&) = delete;
     SqliteDatabase& operator=(const SqliteDatabase&) = delete;

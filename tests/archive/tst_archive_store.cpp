@@ -1,4 +1,6 @@
 #include "archive/archive_store.h"
+#include "archive/record_columns.h"
+#include "archive/sqlite_database.h"
 #include "archive/store_error.h"
 #include "backend/backend_date.h"
 #include "backend/json_reader.h"
@@ -277,18 +279,156 @@ private Q_SLOTS:
     }
 
     void failedSaveKeepsChangesPending() {
+        {
+            ArchiveStore store(m_path);
+            store.matches().insert(std::make_unique<LocalMatch>(dtoOf<MatchDto>(match(1))));
+            store.save();
+            store.matches().insert(std::make_unique<LocalMatch>(dtoOf<MatchDto>(match(2))));
+            // The player row's new texts go into the file before the row does, which then fails:
+            // they must leave the texts the store knows as well, or the next save names texts the
+            // file lost.
+            store.participants().insert(
+                std::make_unique<LocalParticipant>(dtoOf<ParticipantDto>(participant(20, 2, "p-new"))));
+            store.database().execute(QStringLiteral("CREATE TEMP TRIGGER refuse BEFORE INSERT ON participants "
+                                                    "BEGIN SELECT RAISE(ABORT, 'refused'); END"));
+            QVERIFY_THROWS_EXCEPTION(StoreError, store.save());
+            QVERIFY(store.hasChanges());
+            store.database().execute(QStringLiteral("DROP TRIGGER refuse"));
+            store.save();
+            QVERIFY(!store.hasChanges());
+        }
         ArchiveStore store(m_path);
-        store.matches().insert(std::make_unique<LocalMatch>(dtoOf<MatchDto>(match(1))));
-        store.save();
-        store.matches().insert(std::make_unique<LocalMatch>(dtoOf<MatchDto>(match(2))));
-        QVERIFY(sqlite3_exec(store.database().handle(), "PRAGMA query_only = 1", nullptr, nullptr, nullptr) ==
-                SQLITE_OK);
-        QVERIFY_THROWS_EXCEPTION(StoreError, store.save());
-        QVERIFY(store.hasChanges());
-        QVERIFY(sqlite3_exec(store.database().handle(), "PRAGMA query_only = 0", nullptr, nullptr, nullptr) ==
-                SQLITE_OK);
-        store.save();
-        QVERIFY(!store.hasChanges());
+        QCOMPARE(store.matches().count(), 2);
+        const LocalParticipant* row = store.participants().all().front();
+        QCOMPARE(row->toDto(), dtoOf<ParticipantDto>(participant(20, 2, "p-new")));
+    }
+
+    // A save names the texts of earlier saves by their numbers, whether the store's index of texts
+    // holds them yet or they were added since (a large save folds those into the index).
+    void textsAreNamedAgainAcrossSaves() {
+        QList<ParticipantDto> expected;
+        {
+            ArchiveStore store(m_path);
+            for (int save = 0; save < 3; ++save) {
+                // Half of each save's players played in the save before.
+                for (int player = save * 2500; player < save * 2500 + 5000; ++player) {
+                    const qint64 id = expected.size() + 1;
+                    expected << dtoOf<ParticipantDto>(participant(id, id / 10, QStringLiteral("p-%1").arg(player)));
+                    store.participants().insert(std::make_unique<LocalParticipant>(expected.back()));
+                }
+                store.save();
+            }
+        }
+        ArchiveStore store(m_path);
+        const auto rows = store.participants().all();
+        QCOMPARE(qsizetype(rows.size()), expected.size());
+        for (std::size_t i = 0; i < rows.size(); ++i)
+            QCOMPARE(rows[i]->toDto(), expected[qsizetype(i)]);
+    }
+
+    // Archives written before player rows were packed (schema 1: a column per field) are moved
+    // over whole when first opened, and later saves go on from there.
+    void schemaOneRowsAreMovedOver() {
+        QList<ParticipantDto> rows;
+        rows << dtoOf<ParticipantDto>(participant(20, 11, "p-full"));
+        QJsonObject bare = participant(21, 11, "p-bare");
+        for (const char* key :
+             {"riot_id_game_name", "riot_id_tag_line", "team_position", "champ_level", "team_damage_pct",
+              "kill_participation", "cs_per_min", "rank_tier", "rank_division", "rank_lp"})
+            bare[key] = QJsonValue::Null;
+        rows << dtoOf<ParticipantDto>(bare);
+        QJsonObject unusual = participant(22, 12, "p-full"); // the same player in another game
+        unusual["riot_id_game_name"] = QStringLiteral("Zoë ☕ 名前");
+        unusual["riot_id_tag_line"] = QString(QLatin1String(""));
+        unusual["team_id"] = -1;
+        unusual["kills"] = 5'000'000'000.0;
+        unusual["items"] = QJsonArray{1, 2, 3, 4, 5, 6, 7, 8, double(1 << 24)};
+        rows << dtoOf<ParticipantDto>(unusual);
+        QJsonObject noItems = participant(23, 12, "p-none");
+        noItems["items"] = QJsonArray{};
+        rows << dtoOf<ParticipantDto>(noItems);
+        {
+            ArchiveStore store(m_path);
+            QStringList columns{QStringLiteral("local_id")};
+            const ParticipantDto probe;
+            RecordColumns<LocalParticipant>::visit(probe, [&](const char* name, auto&) { columns << name; });
+            store.database().execute(
+                QStringLiteral("DROP TABLE participants; DROP TABLE texts; CREATE TABLE participants (%1)")
+                    .arg(columns.join(QStringLiteral(", "))));
+            SqliteStatement insert(store.database(), QStringLiteral("INSERT INTO participants VALUES (?%1)")
+                                                         .arg(QStringLiteral(", ?").repeated(columns.size() - 1)));
+            qint64 localId = 0;
+            for (const ParticipantDto& row : rows) {
+                insert.bind(1, ++localId);
+                int index = 2;
+                RecordColumns<LocalParticipant>::visit(
+                    row, [&](const char*, const auto& field) { insert.bind(index++, field); });
+                insert.step();
+                insert.reset();
+            }
+            store.database().execute(QStringLiteral("PRAGMA user_version = 1"));
+        }
+        const auto readBack = [this] {
+            ArchiveStore store(m_path);
+            QList<ParticipantDto> back;
+            for (const LocalParticipant* row : store.participants().all())
+                back << row->toDto();
+            return back;
+        };
+        QList<ParticipantDto> expected = rows;
+        for (ParticipantDto& row : expected)
+            row.items = row.items.value_or(QList<qint64>());
+        QCOMPARE(readBack(), expected);
+        {
+            ArchiveStore store(m_path);
+            const QJsonObject again = participant(24, 13, "p-bare");
+            QJsonObject fresh = participant(25, 13, "p-fresh");
+            fresh["champion_name"] = QStringLiteral("Aurora");
+            store.participants().insert(std::make_unique<LocalParticipant>(dtoOf<ParticipantDto>(again)));
+            store.participants().insert(std::make_unique<LocalParticipant>(dtoOf<ParticipantDto>(fresh)));
+            store.save();
+            expected << dtoOf<ParticipantDto>(again) << dtoOf<ParticipantDto>(fresh);
+        }
+        QCOMPARE(readBack(), expected);
+    }
+
+    // A damaged player line (cut short at any byte, or bytes no packer writes) is read as far as
+    // it goes: the archive still opens, the row keeps its keys, the other rows are untouched.
+    void damagedLinesReadWhatTheyCan() {
+        const ParticipantDto next = dtoOf<ParticipantDto>(participant(21, 11, "p-next"));
+        QByteArray line;
+        {
+            ArchiveStore store(m_path);
+            store.participants().insert(
+                std::make_unique<LocalParticipant>(dtoOf<ParticipantDto>(participant(20, 11, "p-full"))));
+            store.participants().insert(std::make_unique<LocalParticipant>(next));
+            store.save();
+            SqliteStatement select(store.database(),
+                                   QStringLiteral("SELECT line FROM participants WHERE local_id = 1"));
+            QVERIFY(select.step());
+            line = select.blob(0).toByteArray();
+        }
+        QList<QByteArray> damaged;
+        for (qsizetype length = 0; length < line.size(); ++length)
+            damaged << line.left(length);
+        damaged << line + QByteArray("\x01") << QByteArray("\x02") << QByteArray(11, '\xff')
+                << QByteArray("\x00\x00\x00\x02", 4);
+        for (const QByteArray& bytes : damaged) {
+            {
+                SqliteDatabase db(m_path);
+                SqliteStatement update(db, QStringLiteral("UPDATE participants SET line = ? WHERE local_id = 1"));
+                update.bindBlob(1, bytes);
+                update.step();
+            }
+            QTest::ignoreMessage(QtWarningMsg, "Player rows of the archive that could not be read whole: 1 (what "
+                                               "could not be read of them shows empty).");
+            ArchiveStore store(m_path);
+            const auto all = store.participants().all();
+            QCOMPARE(all.size(), std::size_t(2));
+            QCOMPARE(all[0]->serverId, 20);
+            QCOMPARE(all[0]->matchServerId, 11);
+            QCOMPARE(all[1]->toDto(), next);
+        }
     }
 
     void unreadableFilesAreRefusedAndKept_data() {

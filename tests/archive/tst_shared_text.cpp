@@ -77,11 +77,22 @@ private Q_SLOTS:
         QTest::newRow("latin") << QStringLiteral("ÆRØ");
         QTest::newRow("dotted capital I") << QStringLiteral("\u0130stanbul");
         QTest::newRow("beyond the BMP") << QStringLiteral("\U00010400bc");
+        // Read eight bytes at a time from UTF-8, a unit at a time from UTF-16: every length
+        // around the word boundaries, and every byte that lowering must or must not touch.
+        const QString ascii = QStringLiteral("@AZ[`az{Quill-Fern#EUW_0123456789");
+        for (int length : {0, 1, 3, 4, 5, 7, 8, 9, 12, 15, 16, 17, 33})
+            QTest::addRow("ascii, %d characters", length) << ascii.left(length);
+        QTest::newRow("ascii, then not") << QStringLiteral("ABCDEFGHIJ\u00C9");
     }
     void lowerCaseHash() {
         QFETCH(QString, text);
-        QCOMPARE(SharedText(text).lowerCaseHash(), SharedText::lowerCaseHashOf(text.toLower()));
+        // The pool keeps the hash of the way a text first came: here from UTF-8.
         QCOMPARE(SharedText::fromUtf8(text.toUtf8()).lowerCaseHash(), SharedText::lowerCaseHashOf(text));
+        QCOMPARE(SharedText::lowerCaseHashOf(text), SharedText::lowerCaseHashOf(text.toLower()));
+        // A hash that ignored a word's last unit, or a text's length, would rule out nothing.
+        QVERIFY(SharedText::fromUtf8((text + QLatin1Char('x')).toUtf8()).lowerCaseHash() !=
+                SharedText::lowerCaseHashOf(text));
+        QVERIFY(SharedText::lowerCaseHashOf(text + QChar(0)) != SharedText::lowerCaseHashOf(text));
     }
 };
 

@@ -1,0 +1,128 @@
+#include "archive/archive_texts.h"
+
+#include "archive/sqlite_database.h"
+#include "archive/store_error.h"
+
+#include <QString>
+#include <algorithm>
+#include <limits>
+#include <numeric>
+
+ArchiveTexts::ArchiveTexts(SqliteDatabase& database) : m_database(database) {}
+
+ArchiveTexts::~ArchiveTexts() = default;
+
+void ArchiveTexts::load() {
+    m_texts.clear();
+    m_ids.clear();
+    m_byShared.clear();
+    m_indexed = false;
+    m_added.clear();
+    // The largest number is the count in a table whose numbers this class gave, read without
+    // walking the table; bounded, for one whose numbers it did not.
+    const qint64 count =
+        std::clamp<qint64>(m_database.queryInteger(QStringLiteral("SELECT max(id) FROM texts")), 0, qint64(1) << 24);
+    m_texts.reserve(static_cast<std::size_t>(count));
+    m_lowerCaseHashes.clear();
+    m_lowerCaseHashes.reserve(static_cast<std::size_t>(count));
+    SharedText::reserve(count);
+    SqliteStatement select(m_database, QStringLiteral("SELECT id, text FROM texts ORDER BY id"));
+    bool dense = true;
+    std::vector<qint64> ids;
+    while (select.step()) {
+        qint64 id = 0;
+        select.read(0, id);
+        dense = dense && id == static_cast<qint64>(m_texts.size()) + 1;
+        ids.push_back(id);
+        SharedText text;
+        select.read(1, text);
+        m_texts.push_back(text ? text : SharedText::empty());
+        // Read now, while the text just added is in the cache.
+        m_lowerCaseHashes.push_back(m_texts.back().lowerCaseHash());
+    }
+    if (!dense)
+        m_ids = std::move(ids);
+    m_committed = m_texts.size();
+}
+
+SharedText ArchiveTexts::text(std::optional<qint64> number) const {
+    if (!number)
+        return {};
+    const qint64 id = *number;
+    if (m_ids.empty()) {
+        if (id >= 1 && id <= static_cast<qint64>(m_texts.size()))
+            return m_texts[static_cast<std::size_t>(id - 1)];
+        return SharedText::empty();
+    }
+    const auto at = std::lower_bound(m_ids.begin(), m_ids.end(), id);
+    if (at == m_ids.end() || *at != id)
+        return SharedText::empty();
+    return m_texts[static_cast<std::size_t>(at - m_ids.begin())];
+}
+
+PlayerName ArchiveTexts::name(std::optional<qint64> number) const {
+    if (number && m_ids.empty() && *number >= 1 && *number <= static_cast<qint64>(m_lowerCaseHashes.size())) {
+        const auto i = static_cast<std::size_t>(*number - 1);
+        return PlayerName(m_texts[i], m_lowerCaseHashes[i]);
+    }
+    return PlayerName(text(number));
+}
+
+void ArchiveTexts::loaded() {
+    m_lowerCaseHashes.clear();
+    m_lowerCaseHashes.shrink_to_fit();
+}
+
+std::optional<qint64> ArchiveTexts::numberOf(SharedText text) {
+    if (text.isNull())
+        return std::nullopt;
+    if (!m_indexed) {
+        // Built at the first write, when no text of an open transaction is among them.
+        m_byShared.resize(m_texts.size());
+        std::iota(m_byShared.begin(), m_byShared.end(), quint32(0));
+        std::sort(m_byShared.begin(), m_byShared.end(),
+                  [this](quint32 a, quint32 b) { return m_texts[a].id() < m_texts[b].id(); });
+        m_indexed = true;
+    }
+    const auto found = std::lower_bound(m_byShared.begin(), m_byShared.end(), text.id(),
+                                        [this](quint32 index, quint32 id) { return m_texts[index].id() < id; });
+    if (found != m_byShared.end() && m_texts[*found].id() == text.id())
+        return m_ids.empty() ? qint64(*found) + 1 : m_ids[*found];
+    if (const auto added = m_added.constFind(text.id()); added != m_added.cend())
+        return *added;
+    const qint64 last = m_ids.empty() ? static_cast<qint64>(m_texts.size()) : m_ids.back();
+    if (last == std::numeric_limits<qint64>::max())
+        throw StoreError(QStringLiteral("The archive's table of texts has no number left for a new text."));
+    const qint64 id = last + 1;
+    if (!m_insert)
+        m_insert =
+            std::make_unique<SqliteStatement>(m_database, QStringLiteral("INSERT INTO texts (id, text) VALUES (?, ?)"));
+    m_insert->bind(1, id);
+    m_insert->bind(2, text);
+    m_insert->step();
+    m_insert->reset();
+    m_texts.push_back(text);
+    if (!m_ids.empty())
+        m_ids.push_back(id);
+    m_added.insert(text.id(), id);
+    return id;
+}
+
+void ArchiveTexts::committed() {
+    m_committed = m_texts.size();
+    // Texts added since the index was made are folded into it once they are many (a sync that
+    // mirrors a whole archive adds every text), the next write making it again.
+    if (m_added.size() > 4096 && m_added.size() > static_cast<qsizetype>(m_byShared.size() / 4)) {
+        m_byShared.clear();
+        m_indexed = false;
+        m_added = {};
+    }
+}
+
+void ArchiveTexts::rolledBack() {
+    for (std::size_t i = m_committed; i < m_texts.size(); ++i)
+        m_added.remove(m_texts[i].id());
+    m_texts.resize(m_committed);
+    if (!m_ids.empty())
+        m_ids.resize(m_committed);
+}
