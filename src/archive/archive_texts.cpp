@@ -6,7 +6,6 @@
 #include <QString>
 #include <algorithm>
 #include <limits>
-#include <numeric>
 
 ArchiveTexts::ArchiveTexts(SqliteDatabase& database) : m_database(database) {}
 
@@ -15,9 +14,7 @@ ArchiveTexts::~ArchiveTexts() = default;
 void ArchiveTexts::load() {
     m_texts.clear();
     m_ids.clear();
-    m_byShared.clear();
-    m_indexed = false;
-    m_added.clear();
+    m_slots.clear();
     // The largest number is the count in a table whose numbers this class gave, read without
     // walking the table; bounded, for one whose numbers it did not.
     const qint64 count =
@@ -73,25 +70,35 @@ void ArchiveTexts::loaded() {
     m_lowerCaseHashes.shrink_to_fit();
 }
 
+void ArchiveTexts::index() {
+    unsigned bits = 10;
+    while ((std::size_t(1) << bits) < 2 * (m_texts.size() + 1))
+        ++bits;
+    m_slots.assign(std::size_t(1) << bits, 0);
+    m_slotShift = 64 - bits;
+    const std::size_t mask = m_slots.size() - 1;
+    for (std::size_t i = 0; i < m_texts.size(); ++i) {
+        std::size_t slot = slotOf(m_texts[i].id());
+        while (m_slots[slot] != 0)
+            slot = (slot + 1) & mask;
+        m_slots[slot] = static_cast<quint32>(i + 1);
+    }
+}
+
 std::optional<qint64> ArchiveTexts::numberOf(SharedText text) {
     if (text.isNull())
         return std::nullopt;
-    if (!m_indexed) {
-        // Built at the first write, when no text of an open transaction is among them.
-        m_byShared.resize(m_texts.size());
-        std::iota(m_byShared.begin(), m_byShared.end(), quint32(0));
-        std::sort(m_byShared.begin(), m_byShared.end(),
-                  [this](quint32 a, quint32 b) { return m_texts[a].id() < m_texts[b].id(); });
-        m_indexed = true;
+    if (m_slots.empty())
+        index();
+    const std::size_t mask = m_slots.size() - 1;
+    std::size_t slot = slotOf(text.id());
+    for (; m_slots[slot] != 0; slot = (slot + 1) & mask) {
+        const std::size_t i = m_slots[slot] - 1;
+        if (m_texts[i].id() == text.id())
+            return m_ids.empty() ? qint64(i) + 1 : m_ids[i];
     }
-    const auto found = std::lower_bound(m_byShared.begin(), m_byShared.end(), text.id(),
-                                        [this](quint32 index, quint32 id) { return m_texts[index].id() < id; });
-    if (found != m_byShared.end() && m_texts[*found].id() == text.id())
-        return m_ids.empty() ? qint64(*found) + 1 : m_ids[*found];
-    if (const auto added = m_added.constFind(text.id()); added != m_added.cend())
-        return *added;
     const qint64 last = m_ids.empty() ? static_cast<qint64>(m_texts.size()) : m_ids.back();
-    if (last == std::numeric_limits<qint64>::max())
+    if (last == std::numeric_limits<qint64>::max() || m_texts.size() >= std::numeric_limits<quint32>::max() - 1)
         throw StoreError(QStringLiteral("The archive's table of texts has no number left for a new text."));
     const qint64 id = last + 1;
     if (!m_insert)
@@ -104,25 +111,23 @@ std::optional<qint64> ArchiveTexts::numberOf(SharedText text) {
     m_texts.push_back(text);
     if (!m_ids.empty())
         m_ids.push_back(id);
-    m_added.insert(text.id(), id);
+    m_slots[slot] = static_cast<quint32>(m_texts.size());
+    if (2 * m_texts.size() > m_slots.size())
+        index();
     return id;
 }
 
 void ArchiveTexts::committed() {
     m_committed = m_texts.size();
-    // Texts added since the index was made are folded into it once they are many (a sync that
-    // mirrors a whole archive adds every text), the next write making it again.
-    if (m_added.size() > 4096 && m_added.size() > static_cast<qsizetype>(m_byShared.size() / 4)) {
-        m_byShared.clear();
-        m_indexed = false;
-        m_added = {};
-    }
 }
 
 void ArchiveTexts::rolledBack() {
-    for (std::size_t i = m_committed; i < m_texts.size(); ++i)
-        m_added.remove(m_texts[i].id());
+    if (m_texts.size() == m_committed)
+        return;
     m_texts.resize(m_committed);
     if (!m_ids.empty())
         m_ids.resize(m_committed);
+    // Taking texts out of an open-addressed table would leave holes in its chains: it is made
+    // again at the next write.
+    m_slots.clear();
 }

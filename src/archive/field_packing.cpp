@@ -6,10 +6,10 @@
 
 void FieldPacker::putVarint(quint64 value) {
     while (value >= 0x80) {
-        m_bytes.append(static_cast<char>(value | 0x80));
+        m_bytes.push_back(static_cast<char>(value | 0x80));
         value >>= 7;
     }
-    m_bytes.append(static_cast<char>(value));
+    m_bytes.push_back(static_cast<char>(value));
 }
 
 void FieldPacker::put(qint64 value) {
@@ -18,18 +18,18 @@ void FieldPacker::put(qint64 value) {
 }
 
 void FieldPacker::put(const std::optional<qint64>& value) {
-    m_bytes.append(static_cast<char>(value.has_value()));
+    m_bytes.push_back(static_cast<char>(value.has_value()));
     if (value)
         put(*value);
 }
 
 void FieldPacker::put(const std::optional<double>& value) {
-    m_bytes.append(static_cast<char>(value.has_value()));
+    m_bytes.push_back(static_cast<char>(value.has_value()));
     if (!value)
         return;
     std::array<char, 8> bytes{};
     qToLittleEndian(*value, bytes.data());
-    m_bytes.append(bytes.data(), qsizetype(bytes.size()));
+    m_bytes.insert(m_bytes.end(), bytes.begin(), bytes.end());
 }
 
 void FieldPacker::put(const ItemSlots& items) {
@@ -48,7 +48,7 @@ void FieldPacker::putText(std::optional<qint64> number) {
     put(number);
 }
 
-qint64 FieldUnpacker::number() {
+qint64 FieldUnpacker::longNumber() {
     quint64 value = 0;
     for (unsigned shift = 0; !m_damaged; shift += 7) {
         // A tenth byte holds the 64th bit alone; more than that is no varint of ours.

@@ -411,8 +411,9 @@ private Q_SLOTS:
         QList<QByteArray> damaged;
         for (qsizetype length = 0; length < line.size(); ++length)
             damaged << line.left(length);
-        damaged << line + QByteArray("\x01") << QByteArray("\x02") << QByteArray(11, '\xff')
-                << QByteArray("\x00\x00\x00\x02", 4);
+        // A line damaged at its first byte, followed by bytes that would read as figures.
+        const QByteArray badStart = QByteArray("\x02") + QByteArray(40, '\x04');
+        damaged << line + QByteArray("\x01") << badStart << QByteArray(11, '\xff') << QByteArray("\x00\x00\x00\x02", 4);
         for (const QByteArray& bytes : damaged) {
             {
                 SqliteDatabase db(m_path);
@@ -427,6 +428,12 @@ private Q_SLOTS:
             QCOMPARE(all.size(), std::size_t(2));
             QCOMPARE(all[0]->serverId, 20);
             QCOMPARE(all[0]->matchServerId, 11);
+            if (bytes == badStart) {
+                // Nothing after the damage is taken for a figure.
+                QCOMPARE(all[0]->teamId, 0);
+                QCOMPARE(all[0]->kills, 0);
+                QCOMPARE(all[0]->items.size(), 0);
+            }
             QCOMPARE(all[1]->toDto(), next);
         }
     }
