@@ -76,9 +76,10 @@ void ArchiveTexts::index() {
         ++bits;
     m_slots.assign(std::size_t(1) << bits, 0);
     m_slotShift = 64 - bits;
+    m_recent.assign(std::size_t(1) << recentBits, Recent());
     const std::size_t mask = m_slots.size() - 1;
     for (std::size_t i = 0; i < m_texts.size(); ++i) {
-        std::size_t slot = slotOf(m_texts[i].id());
+        std::size_t slot = mix(m_texts[i].id()) >> m_slotShift;
         while (m_slots[slot] != 0)
             slot = (slot + 1) & mask;
         m_slots[slot] = static_cast<quint32>(i + 1);
@@ -90,12 +91,18 @@ std::optional<qint64> ArchiveTexts::numberOf(SharedText text) {
         return std::nullopt;
     if (m_slots.empty())
         index();
+    const quint64 mixed = mix(text.id());
+    Recent& recent = m_recent[mixed >> (64 - recentBits)];
+    if (recent.sharedId == text.id())
+        return recent.number;
     const std::size_t mask = m_slots.size() - 1;
-    std::size_t slot = slotOf(text.id());
+    std::size_t slot = mixed >> m_slotShift;
     for (; m_slots[slot] != 0; slot = (slot + 1) & mask) {
         const std::size_t i = m_slots[slot] - 1;
-        if (m_texts[i].id() == text.id())
-            return m_ids.empty() ? qint64(i) + 1 : m_ids[i];
+        if (m_texts[i].id() == text.id()) {
+            recent = {text.id(), m_ids.empty() ? qint64(i) + 1 : m_ids[i]};
+            return recent.number;
+        }
     }
     const qint64 last = m_ids.empty() ? static_cast<qint64>(m_texts.size()) : m_ids.back();
     if (last == std::numeric_limits<qint64>::max() || m_texts.size() >= std::numeric_limits<quint32>::max() - 1)
@@ -112,6 +119,7 @@ std::optional<qint64> ArchiveTexts::numberOf(SharedText text) {
     if (!m_ids.empty())
         m_ids.push_back(id);
     m_slots[slot] = static_cast<quint32>(m_texts.size());
+    recent = {text.id(), id};
     if (2 * m_texts.size() > m_slots.size())
         index();
     return id;

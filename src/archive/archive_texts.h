@@ -61,10 +61,17 @@ private:
     // full. A sync asks it for every text of every row; a sorted index took a cache miss per
     // step of its search, a QHash of texts and numbers four times the room.
     void index();
-    [[nodiscard]] std::size_t slotOf(quint32 sharedId) const {
-        return static_cast<std::size_t>((quint64(sharedId) * 0x9E3779B97F4A7C15ull) >> m_slotShift);
-    }
+    [[nodiscard]] static quint64 mix(quint32 sharedId) { return quint64(sharedId) * 0x9E3779B97F4A7C15ull; }
     std::vector<quint32> m_slots;
+    // The texts a sync names row after row (champions, positions, tiers, the user and friends)
+    // answered without the table, a cache miss away: the last number found for each of a few
+    // thousand places. A rollback empties it, as the numbers of its texts are given again.
+    struct Recent {
+        quint32 sharedId = 0;
+        qint64 number = 0;
+    };
+    static constexpr unsigned recentBits = 12;
+    std::vector<Recent> m_recent;
     unsigned m_slotShift = 64;
     std::size_t m_committed = 0;
     std::unique_ptr<SqliteStatement> m_insert;
