@@ -278,8 +278,9 @@ int main(int argc, char** argv) {
         const std::vector<RawTable> tables{rawTable(store.matches()), rawTable(store.participants()),
                                            rawTable(store.rankSnapshots()), rawTable(store.performanceScores())};
         ArchiveStore rawStore(dir.filePath(QStringLiteral("raw.sqlite")));
-        rawStore.database().execute(QStringLiteral("DROP TABLE participants; CREATE TABLE participants (%1)")
-                                        .arg(QString::fromLatin1(tables[1].columns)));
+        rawStore.database().execute(
+            QStringLiteral("DROP TABLE participants; CREATE TABLE participants (local_id INTEGER PRIMARY KEY%1)")
+                .arg(QString::fromLatin1(tables[1].columns.mid(int(qstrlen("local_id"))))));
         rawTimes.push_back(insertRaw(rawStore.database().handle(), tables));
         std::printf("  round %d: sync %.2f s (processor %.2f s), raw inserts %.2f s\n", round + 1, syncTimes.back(),
                     syncCpu.back(), rawTimes.back());
