@@ -3,12 +3,12 @@
 #include "archive/local_participant.h"
 
 #include <algorithm>
-#include <memory>
 #include <vector>
 
 // A run of participant rows held in a list that many such runs share. The statistics list every
 // game's roster and friends in one list, so that building 20,000 games allocates once rather
-// than 40,000 times; each game keeps the list alive for as long as it is held.
+// than 40,000 times. A run does not own the list: whoever holds it (a game) holds the list too,
+// once for its runs, as each hold is an atomic count taken and given back.
 class RowList {
 public:
     using Rows = std::vector<const LocalParticipant*>;
@@ -16,8 +16,7 @@ public:
     using const_iterator = Rows::const_iterator;
 
     RowList() = default;
-    RowList(std::shared_ptr<const Rows> rows, std::size_t first, std::size_t count)
-        : m_rows(std::move(rows)), m_first(first), m_count(count) {}
+    RowList(const Rows& rows, std::size_t first, std::size_t count) : m_rows(&rows), m_first(first), m_count(count) {}
 
     [[nodiscard]] const_iterator begin() const {
         return m_rows ? m_rows->begin() + static_cast<std::ptrdiff_t>(m_first) : Rows::const_iterator();
@@ -34,7 +33,7 @@ public:
     }
 
 private:
-    std::shared_ptr<const Rows> m_rows;
+    const Rows* m_rows = nullptr;
     std::size_t m_first = 0;
     std::size_t m_count = 0;
 };

@@ -16,53 +16,60 @@ public:
         std::size_t capacity = 16;
         while (capacity < expected * 2)
             capacity <<= 1;
-        m_keys.resize(capacity);
-        m_values.assign(capacity, none);
+        m_entries.assign(capacity, Entry());
         m_mask = capacity - 1;
     }
 
     // The slot of id, or none.
     [[nodiscard]] quint32 find(qint64 id) const {
         for (std::size_t i = spread(id) & m_mask;; i = (i + 1) & m_mask) {
-            if (m_values[i] == none)
+            const Entry& entry = m_entries[i];
+            if (entry.value == none)
                 return none;
-            if (m_keys[i] == id)
-                return m_values[i];
+            if (entry.key == id)
+                return entry.value;
         }
     }
 
+    // The games are looked up in no order the table knows: a look-up asked for ahead of time
+    // does not wait for its cache line.
+    void prefetch(qint64 id) const { __builtin_prefetch(&m_entries[spread(id) & m_mask]); }
+
     // The slot of id, given the value next when it has none yet.
     quint32 findOrAdd(qint64 id, quint32 next) {
-        if ((m_size + 1) * 2 > m_values.size())
+        if ((m_size + 1) * 2 > m_entries.size())
             grow();
         for (std::size_t i = spread(id) & m_mask;; i = (i + 1) & m_mask) {
-            if (m_values[i] == none) {
-                m_keys[i] = id;
-                m_values[i] = next;
+            Entry& entry = m_entries[i];
+            if (entry.value == none) {
+                entry = {id, next};
                 ++m_size;
                 return next;
             }
-            if (m_keys[i] == id)
-                return m_values[i];
+            if (entry.key == id)
+                return entry.value;
         }
     }
 
 private:
+    // Key and value side by side: one cache line per look-up.
+    struct Entry {
+        qint64 key = 0;
+        quint32 value = none;
+    };
+
     void grow() {
-        std::vector<qint64> keys(m_keys.size() * 2);
-        std::vector<quint32> values(m_values.size() * 2, none);
-        const std::size_t mask = values.size() - 1;
-        for (std::size_t j = 0; j < m_values.size(); ++j) {
-            if (m_values[j] == none)
+        std::vector<Entry> entries(m_entries.size() * 2);
+        const std::size_t mask = entries.size() - 1;
+        for (const Entry& entry : m_entries) {
+            if (entry.value == none)
                 continue;
-            std::size_t i = spread(m_keys[j]) & mask;
-            while (values[i] != none)
+            std::size_t i = spread(entry.key) & mask;
+            while (entries[i].value != none)
                 i = (i + 1) & mask;
-            keys[i] = m_keys[j];
-            values[i] = m_values[j];
+            entries[i] = entry;
         }
-        m_keys.swap(keys);
-        m_values.swap(values);
+        m_entries.swap(entries);
         m_mask = mask;
     }
 
@@ -74,8 +81,7 @@ private:
         return static_cast<std::size_t>(x);
     }
 
-    std::vector<qint64> m_keys;
-    std::vector<quint32> m_values;
+    std::vector<Entry> m_entries;
     std::size_t m_mask = 0;
     std::size_t m_size = 0;
 };
@@ -140,6 +146,7 @@ private:
 // The rows are read once per call through a list of pointers: each pass asks for a row's start
 // (the game, the player's id and name, the team) some rows before it needs it.
 constexpr std::size_t prefetchAhead = 24;
+constexpr std::size_t gameAhead = 16;
 
 inline void prefetchRow(const std::vector<const LocalParticipant*>& rows, std::size_t i) {
     if (i < rows.size()) {
@@ -212,6 +219,9 @@ std::vector<Game> games(const std::vector<const LocalMatch*>& matches,
             ++end;
         for (std::size_t k = i; k < end; ++k)
             prefetchRow(participants, k + prefetchAhead);
+        // The game of a run or two ahead, from a row whose start was asked for a run ago.
+        if (i + gameAhead < participants.size())
+            slots.prefetch(participants[i + gameAhead]->matchServerId);
         const quint32 slot = slots.find(game);
         if (ownRowsOut) {
             // Every row of the run is asked whose it is, listed game or not.
@@ -307,8 +317,8 @@ std::vector<Game> games(const std::vector<const LocalMatch*>& matches,
             for (quint32 r = runsStart[slot]; r < runsStart[slot + 1]; ++r)
                 addFriends(runs[runsOfSlot[r]]);
         }
-        result.push_back({matches[m], participants[meOf[slot]], RowList(rows, rosterStart, friendsStart - rosterStart),
-                          RowList(rows, friendsStart, rows->size() - friendsStart)});
+        result.push_back({matches[m], participants[meOf[slot]], RowList(*rows, rosterStart, friendsStart - rosterStart),
+                          RowList(*rows, friendsStart, rows->size() - friendsStart), rows});
     }
     return result;
 }

@@ -7,6 +7,7 @@
 
 #include <QSet>
 #include <QString>
+#include <memory>
 #include <vector>
 
 // The three shapes every archive screen is built from, computed from the store's records in
@@ -18,8 +19,9 @@ namespace Stats {
 struct Game {
     const LocalMatch* match = nullptr;
     const LocalParticipant* me = nullptr;
-    RowList roster;  // every stored row of the game, input order
-    RowList friends; // known friends on the user's team, roster order
+    RowList roster;                            // every stored row of the game, input order
+    RowList friends;                           // known friends on the user's team, roster order
+    std::shared_ptr<const RowList::Rows> rows; // what roster and friends lie in
 
     [[nodiscard]] qint64 id() const { return match->serverId; }
     [[nodiscard]] GameCategory category() const {
