@@ -1,6 +1,7 @@
 #include "game_data/stats.h"
 
 #include <algorithm>
+#include <array>
 #include <memory>
 
 namespace {
@@ -112,8 +113,11 @@ class FriendNames {
 public:
     explicit FriendNames(const QSet<QString>& names) {
         m_names.reserve(static_cast<std::size_t>(names.size()));
-        for (const QString& name : names)
-            m_names.emplace_back(SharedText::lowerCaseHashOf(name), &name);
+        for (const QString& name : names) {
+            const quint32 hash = SharedText::lowerCaseHashOf(name);
+            m_names.emplace_back(hash, &name);
+            m_filter[(hash >> 6) % m_filter.size()] |= quint64(1) << (hash & 63);
+        }
         std::sort(m_names.begin(), m_names.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
     }
 
@@ -121,6 +125,9 @@ public:
 
     [[nodiscard]] bool contains(const PlayerName& name) const {
         const quint32 hash = name.lowerCaseHash();
+        // Nearly every team-mate is no friend: one bit of a small filter says so for most.
+        if (!((m_filter[(hash >> 6) % m_filter.size()] >> (hash & 63)) & 1))
+            return false;
         auto at = std::lower_bound(m_names.begin(), m_names.end(), hash,
                                    [](const auto& entry, quint32 key) { return entry.first < key; });
         if (at == m_names.end() || at->first != hash)
@@ -140,6 +147,7 @@ public:
 
 private:
     std::vector<std::pair<quint32, const QString*>> m_names;
+    std::array<quint64, 64> m_filter{}; // a bit per hash of a friend's name, of 4,096
     mutable std::vector<std::pair<quint32, bool>> m_verdicts;
 };
 
