@@ -5,10 +5,7 @@
 #include <QStringList>
 #include <QTimeZone>
 #include <algorithm>
-#include <array>
 #include <charconv>
-#include <limits>
-#include <span>
 #include <sqlite3.h>
 
 SqliteDatabase::SqliteDatabase(const QString& path, Access access) {
@@ -185,30 +182,6 @@ qint64 SqliteStatement::readInteger(int column) const {
     return sqlite3_column_int64(m_statement, column);
 }
 
-void SqliteStatement::read(int column, ItemSlots& out) const {
-    // Read from SQLite's own bytes into the row: a start reads 200,000 of these lists.
-    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(m_statement, column));
-    const char* const end = text + sqlite3_column_bytes(m_statement, column);
-    std::array<qint64, ItemSlots::capacity + 1> items{};
-    std::size_t count = 0;
-    while (text && text < end) {
-        qint64 item = 0;
-        const auto [next, error] = std::from_chars(text, end, item);
-        if (error == std::errc()) {
-            if (count == items.size()) {
-                m_narrowed = true;
-                break;
-            }
-            items[count++] = item;
-        }
-        text = std::find(next, end, ',');
-        if (text != end)
-            ++text;
-    }
-    if (!out.assign(std::span<const qint64>(items.data(), count)))
-        m_narrowed = true;
-}
-
 QByteArrayView SqliteStatement::text(int column) const {
     const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(m_statement, column));
     return bytes ? QByteArrayView(bytes, sqlite3_column_bytes(m_statement, column)) : QByteArrayView();
@@ -223,13 +196,6 @@ QByteArrayView SqliteStatement::blob(int column) const {
 void SqliteStatement::read(int column, SharedText& out) const {
     const QByteArrayView bytes = text(column);
     out = bytes.data() ? SharedText::fromUtf8(bytes) : SharedText();
-}
-
-void SqliteStatement::read(int column, OptionalReal& out) const {
-    if (isNull(column))
-        out.reset();
-    else
-        out = sqlite3_column_double(m_statement, column);
 }
 
 void SqliteStatement::read(int column, QList<qint64>& out) const {

@@ -3,15 +3,12 @@
 #include "archive/item_slots.h"
 #include "archive/optional_int.h"
 #include "archive/optional_real.h"
-#include "archive/player_name.h"
 #include "archive/shared_text.h"
 
 #include <QDateTime>
 #include <QList>
 #include <QString>
 #include <QStringEncoder>
-#include <algorithm>
-#include <limits>
 #include <optional>
 #include <vector>
 
@@ -76,31 +73,7 @@ public:
     void read(int column, QString& out) const;
     void read(int column, QDateTime& out) const;
     void read(int column, QList<qint64>& out) const;
-    // Narrow reads: a stored value that does not fit sets narrowed() (the field then holds what
-    // fits), so that the caller can read the row again into a record that holds it exactly.
-    void read(int column, qint32& out) const { readNarrow(column, out); }
-    void read(int column, qint16& out) const { readNarrow(column, out); }
-    void read(int column, ItemSlots& out) const;
     void read(int column, SharedText& out) const; // absent for NULL
-    void read(int column, PlayerName& out) const {
-        SharedText text;
-        read(column, text);
-        out = text;
-    }
-    void read(int column, OptionalReal& out) const;
-    template <class T> void read(int column, OptionalInt<T>& out) const {
-        if (isNull(column)) {
-            out.reset();
-            return;
-        }
-        const qint64 value = readInteger(column);
-        if (OptionalInt<T>::fits(value))
-            out = static_cast<T>(value);
-        else
-            m_narrowed = true;
-    }
-    [[nodiscard]] bool narrowed() const { return m_narrowed; }
-    void clearNarrowed() { m_narrowed = false; }
     template <class T> void read(int column, std::optional<T>& out) const {
         if (isNull(column)) {
             out.reset();
@@ -113,15 +86,6 @@ public:
 
 private:
     [[nodiscard]] qint64 readInteger(int column) const;
-    // A whole figure into a narrower field: the nearest it can hold, and the statement
-    // remembers that the row did not fit.
-    template <class T> void readNarrow(int column, T& out) const {
-        const qint64 value = readInteger(column);
-        out = static_cast<T>(std::clamp<qint64>(value, std::numeric_limits<T>::min(), std::numeric_limits<T>::max()));
-        if (out != value)
-            m_narrowed = true;
-    }
-
     // Text bound to parameter index, kept until the next bind of that index so that SQLite can
     // read it without a copy of its own.
     QByteArray& textBuffer(int index);
@@ -131,7 +95,6 @@ private:
     sqlite3_stmt* m_statement = nullptr;
     std::vector<QByteArray> m_texts;
     QStringEncoder m_utf8{QStringEncoder::Utf8};
-    mutable bool m_narrowed = false;
 };
 
 // An open SQLite database file. Every failure throws StoreError with SQLite's own text.
