@@ -84,22 +84,32 @@ double FieldUnpacker::real() {
     return value;
 }
 
+// An optional field cut off after its presence byte is as absent as one after the damage.
 void FieldUnpacker::get(std::optional<qint64>& out) {
     out.reset();
-    if (present())
-        out = number();
+    if (!present())
+        return;
+    const qint64 value = number();
+    if (!m_damaged)
+        out = value;
 }
 
 void FieldUnpacker::get(OptionalReal& out) {
     out = OptionalReal();
-    if (present())
-        out = real();
+    if (!present())
+        return;
+    const double value = real();
+    if (!m_damaged)
+        out = value;
 }
 
 void FieldUnpacker::get(std::optional<double>& out) {
     out.reset();
-    if (present())
-        out = real();
+    if (!present())
+        return;
+    const double value = real();
+    if (!m_damaged)
+        out = value;
 }
 
 void FieldUnpacker::get(QList<qint64>& out) {

@@ -67,6 +67,8 @@ public:
         if (!present())
             return;
         const qint64 value = number();
+        if (m_damaged)
+            return;
         if (OptionalInt<T>::fits(value))
             out = static_cast<T>(value);
         else
